@@ -1,0 +1,185 @@
+// src/board/fen.cpp - positions as text: reading and writing Forsyth-Edwards notation.
+//
+// The reader is strict about form (one blank between fields, letters in order) but does not judge
+// the position: kings may be missing, pawns may stand on the last rank.
+#include <cctype>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "board/board.h"
+#include "board/zobrist.h"
+
+namespace vatro {
+namespace {
+
+constexpr char castlingLetters[] = "KQkq";  // the letter of right bit i
+
+PieceType pieceFromLetter(char letter) {
+    const char lower = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+    const char* found = std::strchr(pieceLetters + Pawn, lower);
+    return found && *found ? static_cast<PieceType>(found - pieceLetters) : NoPiece;
+}
+
+bool endsField(char byte) { return byte == ' ' || byte == '\0'; }
+
+}  // namespace
+
+bool Board_0x88::setupFromFEN(const char* fen) {
+    clearBoard();
+    if (!readPlacement(fen) || !readSideToMove(fen) || !readCastlingRights(fen)) return false;
+    dropImpossibleRights();
+    if (!readEnPassant(fen)) return false;
+    if (*fen != '\0' && !readClocks(fen + 1)) return false;
+    perftKeys[perftPly] = record().key;
+    return true;
+}
+
+bool Board_0x88::readPlacement(const char*& text) {
+    int rank = 7;
+    int file = 0;
+    for (; *text != ' '; ++text) {
+        const char byte = *text;
+        if (byte >= '1' && byte <= '8') {
+            file += byte - '0';
+            if (file > 8) return false;
+        } else if (byte == '/') {
+            if (file != 8 || rank == 0) return false;
+            --rank;
+            file = 0;
+        } else {
+            const PieceType type = pieceFromLetter(byte);
+            if (type == NoPiece || file > 7) return false;
+            const Colour colour = std::isupper(static_cast<unsigned char>(byte)) ? White : Black;
+            if (!addPiece(static_cast<Square>(rank * 16 + file), type, colour)) return false;
+            ++file;
+        }
+    }
+    ++text;
+    return rank == 0 && file == 8;
+}
+
+bool Board_0x88::readSideToMove(const char*& text) {
+    if (*text == 'w') {
+        sideToMove = White;
+    } else if (*text == 'b') {
+        sideToMove = Black;
+        record().key ^= zobrist.side;
+    } else {
+        return false;
+    }
+    if (text[1] != ' ') return false;
+    text += 2;
+    return true;
+}
+
+bool Board_0x88::readCastlingRights(const char*& text) {
+    if (*text == '-') {
+        if (text[1] != ' ') return false;
+        text += 2;
+        return true;
+    }
+    for (; *text != ' '; ++text) {  // an empty field grants no rights
+        const char* letter = std::strchr(castlingLetters, *text);
+        if (!letter || !*letter) return false;
+        const unsigned right = 1U << (letter - castlingLetters);
+        if (castlingRights >= right) return false;  // it or a later one is already there
+        castlingRights = static_cast<std::uint8_t>(castlingRights | right);
+        record().key ^= zobrist.castling[right];
+    }
+    ++text;
+    return true;
+}
+
+void Board_0x88::dropImpossibleRights() {
+    struct Home {
+        CastlingRight right;
+        Colour colour;
+        Square king;
+        Square rook;
+    };
+    constexpr Home homes[] = {{WhiteKingSide, White, E1, H1},
+                              {WhiteQueenSide, White, E1, A1},
+                              {BlackKingSide, Black, E8, H8},
+                              {BlackQueenSide, Black, E8, A8}};
+    const unsigned granted = castlingRights;
+    for (const Home& home : homes) {
+        const bool atHome = (pieceMask[home.colour][King] & maskOf(toSq64(home.king))) &&
+                            (pieceMask[home.colour][Rook] & maskOf(toSq64(home.rook)));
+        if (!atHome) castlingRights = static_cast<std::uint8_t>(castlingRights & ~home.right);
+    }
+    updateCastlingKey(granted, castlingRights, record().key);
+}
+
+// Leaves `text` at the blank or the end that follows the field.
+bool Board_0x88::readEnPassant(const char*& text) {
+    if (*text == '-') {
+        ++text;
+        return endsField(*text);
+    }
+    if (text[0] < 'a' || text[0] > 'h') return false;
+    if (text[1] != (sideToMove == White ? '6' : '3')) return false;
+    const int target = (text[1] - '1') * 16 + (text[0] - 'a');
+    const int pawn = target + (sideToMove == White ? -16 : 16);  // the pawn that has just advanced
+    if (pieceOn[pawn] != Pawn || colourOn[pawn] == sideToMove) return false;
+    text += 2;
+    if (!endsField(*text)) return false;
+    // The square counts only when a pawn stands ready to capture there, and can.
+    for (const int beside : {pawn - 1, pawn + 1}) {
+        if (!isOnBoard(beside) || pieceOn[beside] != Pawn || colourOn[beside] != sideToMove) {
+            continue;
+        }
+        if (pieceOn[target] != NoPiece) return true;
+        epSquare = static_cast<std::uint8_t>(target);
+        record().key ^= zobrist.epFile[fileOf(target)];
+        return true;
+    }
+    return true;
+}
+
+bool Board_0x88::readClocks(const char* text) {
+    const char* blank = std::strchr(text, ' ');
+    if (!blank) return std::atoi(text) >= 1;  // a lone number is the move number
+    if (blank - text > 4) return false;
+    const int clock = std::atoi(text);
+    if (clock < 0) return false;
+    halfmoveClock = static_cast<std::uint8_t>(clock);
+    return std::atoi(blank + 1) >= 1;
+}
+
+std::string Board_0x88::toFEN(unsigned fullMoveNumber) const {
+    std::string fen;
+    for (int rank = 7; rank >= 0; --rank) {
+        int empty = 0;
+        for (int file = 0; file < 8; ++file) {
+            const int square = rank * 16 + file;
+            if (pieceOn[square] == NoPiece) {
+                ++empty;
+                continue;
+            }
+            if (empty) fen += std::to_string(empty);
+            empty = 0;
+            const char letter = pieceLetters[pieceOn[square]];
+            fen += colourOn[square] == White
+                       ? static_cast<char>(std::toupper(static_cast<unsigned char>(letter)))
+                       : letter;
+        }
+        if (empty) fen += std::to_string(empty);
+        fen += rank ? '/' : ' ';
+    }
+    fen += sideToMove == Black ? "b " : "w ";
+    for (int i = 0; i < 4; ++i) {
+        if (castlingRights & (1 << i)) fen += castlingLetters[i];
+    }
+    if (!castlingRights) fen += '-';
+    fen += ' ';
+    if (epSquare == NoSquare) {
+        fen += '-';
+    } else {
+        fen += static_cast<char>('a' + fileOf(epSquare));
+        fen += static_cast<char>('1' + rankOf(epSquare));
+    }
+    return fen + ' ' + std::to_string(halfmoveClock) + ' ' + std::to_string(fullMoveNumber);
+}
+
+}  // namespace vatro

@@ -1,0 +1,41 @@
+// src/board/make_move.h - playing moves on the board and taking them back.
+//
+// Calls nest strictly: the last move made is the first one unmade, with the same undo record. The
+// moves must be legal in the position; nothing is checked here.
+#pragma once
+
+#include "board/board.h"
+
+namespace vatro {
+
+/// Makes a move with everything that the game and the search need: keys, sums, rights, clock and a
+/// new ply record. The caller has written `movePlayed` of the current record and made sure that
+/// `ply` is below PlyRecordCount - 1.
+void makeMove(Board_0x88& board, Move move, UndoRecord& undo);
+void unmakeMove(Board_0x88& board, Move move, const UndoRecord& undo);
+
+/// The same with only what counting moves needs: the key goes to the perft key stack, and sums,
+/// ply records and the half-move clock stay as they are. At most PerftKeyCount - 1 moves deep.
+void makeMovePerft(Board_0x88& board, Move move, UndoRecord& undo);
+void unmakeMovePerft(Board_0x88& board, Move move, const UndoRecord& undo);
+
+// The same for a mover that the caller knows.
+template <Colour Us>
+void makeMove(Board_0x88& board, Move move, UndoRecord& undo);
+template <Colour Us>
+void unmakeMove(Board_0x88& board, Move move, const UndoRecord& undo);
+template <Colour Us>
+void makeMovePerft(Board_0x88& board, Move move, UndoRecord& undo);
+template <Colour Us>
+void unmakeMovePerft(Board_0x88& board, Move move, const UndoRecord& undo);
+
+/// What a null move changes besides the side to move.
+struct NullUndo {
+    std::uint8_t castlingRights;
+    std::uint8_t epSquare;
+    std::uint8_t halfmoveClock;
+};
+void makeNullMove(Board_0x88& board, NullUndo& undo);
+void unmakeNullMove(Board_0x88& board, const NullUndo& undo);
+
+}  // namespace vatro

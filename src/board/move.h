@@ -1,0 +1,83 @@
+// src/board/move.h - the 16-bit move word that the game, the tables and the search store.
+//
+// Bits 0-5 from (sq64), 6-11 to (sq64), 12-13 the type, 14-15 depend on the type: the promotion
+// piece minus 2, which castling it is (0 white king side ... 3 black queen side), or 1 for a
+// pawn's double step.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "board/types.h"
+
+namespace vatro {
+
+using Move = std::uint16_t;
+
+/// No move; as the move played it stands for a null move.
+constexpr Move NoMove = 0;
+
+enum MoveType : std::uint8_t { Normal, Promotion, Castling, EnPassant };
+
+constexpr unsigned DoubleStep = 1;  // bits 14-15 of a Normal move
+
+constexpr Move makeMoveWord(int from64, int to64, MoveType type = Normal, unsigned extra = 0) {
+    return static_cast<Move>(from64 | (to64 << 6) | (type << 12) | (extra << 14));
+}
+constexpr Move makePromotion(int from64, int to64, PieceType piece) {
+    return makeMoveWord(from64, to64, Promotion, piece - Knight);
+}
+
+constexpr int from64(Move move) { return move & 63; }
+constexpr int to64(Move move) { return (move >> 6) & 63; }
+constexpr Square fromSquare(Move move) { return toSquare(from64(move)); }
+constexpr Square toSquareOf(Move move) { return toSquare(to64(move)); }
+constexpr MoveType typeOf(Move move) { return static_cast<MoveType>((move >> 12) & 3); }
+constexpr unsigned extraOf(Move move) { return move >> 14; }
+/// The piece a Promotion promotes to.
+constexpr PieceType promotionPiece(Move move) {
+    return static_cast<PieceType>(extraOf(move) + Knight);
+}
+constexpr bool isPromotion(Move move) { return typeOf(move) == Promotion; }
+
+/// Same squares, and both promote to the same piece or neither promotes; other flags are ignored.
+constexpr bool sameMove(Move a, Move b) {
+    if ((a ^ b) & 0xFFF) return false;
+    if (isPromotion(a) != isPromotion(b)) return false;
+    return !isPromotion(a) || extraOf(a) == extraOf(b);
+}
+
+/// Coordinate notation: e2e4, e7e8q; castling as the king's move.
+std::string moveToText(Move move);
+
+/// What full make saves and unmake restores: 4 bytes.
+struct UndoRecord {
+    std::uint8_t castlingRights = 0;
+    std::uint8_t epSquare = NoSquare;
+    std::uint8_t halfmoveClock = 0;
+    /// (type << 4) | (slot & 15) of the captured piece, 0 when nothing was captured.
+    std::uint8_t captured = 0;
+};
+static_assert(sizeof(UndoRecord) == 4);
+
+struct ScoredMove {
+    Move move;
+    std::int16_t score;
+};
+static_assert(sizeof(ScoredMove) == 4);
+
+/// Moves with their ordering scores. A full list drops further moves silently.
+struct MoveList {
+    static constexpr unsigned Capacity = 255;
+
+    ScoredMove moves[Capacity];
+    unsigned count = 0;
+
+    void add(Move move) {
+        if (count < Capacity) moves[count++] = {move, 0};
+    }
+    const ScoredMove* begin() const { return moves; }
+    const ScoredMove* end() const { return moves + count; }
+};
+
+}  // namespace vatro

@@ -1,0 +1,116 @@
+// src/board/move_picker.h - hands out the moves of a search node, one at a time, best first.
+//
+// Preferred moves come before anything is generated; a stage generates only when it is reached.
+// The board must be the same at every call of `next`.
+#pragma once
+
+#include <utility>
+
+#include "board/attacks.h"
+#include "board/board.h"
+#include "board/move_generation.h"
+#include "board/move_ordering.h"
+
+namespace vatro {
+
+class MovePicker {
+  public:
+    /// The rows of the stage table: two preferred moves and all legal moves, or one preferred move
+    /// and captures.
+    enum class Phase { AllMoves, Captures };
+
+    /// A picker for the side to move, whose pins and checkers are given.
+    MovePicker(const Board_0x88& position, const PinInfo& pins, Phase row)
+        : info(pins), board(position), phase(row) {}
+
+    /// Moves to hand out before all others; NoMove for none. Each is tested before it is handed
+    /// out, so they may come from a table entry or a line that belongs to another position.
+    void prefer(Move first, Move second) {
+        firstMove = first;
+        secondMove = second;
+    }
+
+    /// All legal moves of the position. They are generated once, here or in their stage.
+    template <Colour Us>
+    const MoveList& legalMoves() {
+        if (!generated) {
+            generateLegalMoves<Us>(board, info, list);
+            generated = true;
+        }
+        return list;
+    }
+
+    /// The next move, NoMove at the end.
+    template <Colour Us>
+    Move next();
+
+  private:
+    enum class Stage { First, Second, Generate, Rest };
+
+    bool isPlayable(Move move) const { return isValidMove(board, move) && isLegal(board, move, info); }
+    Move selectBest();
+
+    MoveList list;
+    PinInfo info;
+    const Board_0x88& board;
+    unsigned current = 0;
+    Phase phase;
+    Stage stage = Stage::First;
+    bool generated = false;
+    Move firstMove = NoMove;
+    Move secondMove = NoMove;
+};
+
+/// Reports a preferred move from the table that cannot be played.
+void reportHashCollision(Move move);
+
+/// Swaps the best of the remaining moves to the front: every strictly better one that the scan
+/// meets changes places with it, so the order of equal moves follows from the swaps.
+inline Move MovePicker::selectBest() {
+    ScoredMove* const front = list.moves + current++;
+    ScoredMove best = *front;
+    for (ScoredMove* entry = front + 1; entry != list.moves + list.count; ++entry) {
+        if (entry->score > best.score) std::swap(best, *entry);
+    }
+    *front = best;
+    return best.move;
+}
+
+template <Colour Us>
+Move MovePicker::next() {
+    switch (stage) {
+        case Stage::First:
+            stage = Stage::Second;
+            if (firstMove && isPlayable(firstMove)) return firstMove;
+            firstMove = NoMove;
+            [[fallthrough]];
+        case Stage::Second:
+            stage = Stage::Generate;
+            if (secondMove && !(firstMove && sameMove(firstMove, secondMove))) {
+                if (isPlayable(secondMove)) return secondMove;
+                reportHashCollision(secondMove);
+                secondMove = NoMove;
+            }
+            [[fallthrough]];
+        case Stage::Generate:
+            stage = Stage::Rest;
+            if (phase == Phase::AllMoves) {
+                legalMoves<Us>();
+                scoreMoves<Us>(board, list);
+            } else {
+                generateCaptures<Us>(board, info, list);
+                scoreCaptures(board, list);
+            }
+            [[fallthrough]];
+        case Stage::Rest:
+            while (current < list.count) {
+                const Move move = selectBest();
+                if (firstMove && sameMove(move, firstMove)) continue;
+                if (secondMove && sameMove(move, secondMove)) continue;
+                return move;
+            }
+    }
+    return NoMove;
+}
+
+}  // namespace vatro
