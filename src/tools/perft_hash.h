@@ -1,0 +1,91 @@
+// tools/perft_hash.h - leaf counts of positions that a perft run has met before.
+//
+// Node counts of a run depend on which entries survive, so the rules of probing and replacing are
+// part of what the commands print.
+#pragma once
+
+#include <cstdint>
+
+#include "board/hash_table.h"
+#include "board/types.h"
+
+namespace vatro {
+
+struct PerftEntry {
+    std::uint64_t leafCount;    // leaves below the position
+    std::uint64_t keyAndDepth;  // bits 0-15: depth left; above them the low 48 bits of the key
+
+    unsigned depth() const { return keyAndDepth & 0xFFFF; }
+    std::uint64_t keyBits() const { return keyAndDepth >> 16; }
+    bool isEmpty() const { return keyBits() == 0; }
+};
+static_assert(sizeof(PerftEntry) == 16);
+
+/// Four entries that one key can use; one cache line.
+struct alignas(64) PerftBucket {
+    static constexpr int Size = 4;
+    PerftEntry entries[Size];
+};
+static_assert(sizeof(PerftBucket) == 64);
+
+class PerftHashTable {
+  public:
+    static constexpr unsigned DefaultSizeMB = 64;
+
+    /// The size takes effect when the table is created.
+    explicit PerftHashTable(unsigned megabytes = DefaultSizeMB) : sizeMB(megabytes) {}
+
+    /// Gives an empty table: creates it at the first call and says its size, clears it later.
+    /// False when there is no memory for it; it cannot be used then.
+    [[nodiscard]] bool prepare();
+
+    /// The entry that answers for `key` at `depth`, nullptr when there is none.
+    const PerftEntry* probe(Key key, unsigned depth) const;
+    void store(Key key, std::uint64_t leafCount, unsigned depth);
+    /// Asks the processor to fetch what a probe of `key` will read.
+    void prefetch(Key key) const {
+#if defined(__GNUC__)
+        __builtin_prefetch(&buckets[bucketOf(key)]);
+#else
+        (void)key;
+#endif
+    }
+
+    std::uint32_t entryCount() const { return buckets.entryCount() * PerftBucket::Size; }
+    /// Used entries among the first 65536, in percent of 65536.
+    double fillPercentage() const;
+
+  private:
+    std::uint32_t bucketOf(Key key) const {
+        return static_cast<std::uint32_t>(key) & (buckets.entryCount() - 1);
+    }
+    static std::uint64_t keyBitsOf(Key key) { return key & 0xFFFFFFFFFFFFULL; }
+
+    HashTable<PerftBucket> buckets;
+    unsigned sizeMB;
+};
+
+inline const PerftEntry* PerftHashTable::probe(Key key, unsigned depth) const {
+    for (const PerftEntry& entry : buckets[bucketOf(key)].entries) {
+        if (entry.keyBits() == keyBitsOf(key)) return entry.depth() == depth ? &entry : nullptr;
+    }
+    return nullptr;
+}
+
+inline void PerftHashTable::store(Key key, std::uint64_t leafCount, unsigned depth) {
+    PerftBucket& bucket = buckets[bucketOf(key)];
+    PerftEntry* chosen = nullptr;
+    for (PerftEntry& entry : bucket.entries) {
+        if (entry.keyBits() == keyBitsOf(key)) {
+            chosen = &entry;
+            break;
+        }
+        // An empty entry beats a used one, then the smaller depth, then the earlier place.
+        const bool better =
+            !chosen || (!chosen->isEmpty() && (entry.isEmpty() || entry.depth() < chosen->depth()));
+        if (better) chosen = &entry;
+    }
+    *chosen = {leafCount, (keyBitsOf(key) << 16) | depth};
+}
+
+}  // namespace vatro

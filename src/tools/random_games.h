@@ -1,0 +1,14 @@
+// tools/random_games.h - games of random legal moves and statistics about them.
+#pragma once
+
+#include "board/game.h"
+
+namespace vatro {
+
+/// Plays `games` (1 or more) games from the start position with moves drawn by std::rand, prints a
+/// mark now and then while it runs and the statistics at the end. A game ends with mate, stalemate,
+/// any draw by rule, a position that repeats, or when the record of moves is full. Leaves the start
+/// position and an empty record.
+void playRandomGames(Game& game, unsigned long games);
+
+}  // namespace vatro

@@ -1,0 +1,13 @@
+// tools/self_test.h - the built-in check of the move generator against known counts.
+#pragma once
+
+#include "board/board.h"
+#include "tools/perft_hash.h"
+
+namespace vatro {
+
+/// Counts every row of the built-in table and prints a line each and a summary. Leaves the last
+/// row's position on the board. False when there is no memory for the table.
+[[nodiscard]] bool runSelfTest(Board_0x88& board, PerftHashTable& table);
+
+}  // namespace vatro
