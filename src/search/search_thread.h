@@ -1,0 +1,46 @@
+// src/search/search_thread.h - a worker with a search of its own.
+#pragma once
+
+#include "search/searcher.h"
+#include "search/worker_thread.h"
+
+namespace vatro {
+
+class SearchThread final : public WorkerThread {
+  public:
+    SearchThread(unsigned threadIndex,
+                 Task work,
+                 void* taskArgument,
+                 const SearchContext& shared,
+                 EngineInterface* engineToTell)
+        : WorkerThread(threadIndex, work, taskArgument),
+          searcher(threadIndex, shared),
+          engine(engineToTell) {}
+    ~SearchThread() override { quit(); }
+
+    /// Starts a search; the flags of an earlier one are cleared first, so that a stop that comes
+    /// right after is not lost.
+    void startSearch() {
+        searcher.clearFlags();
+        start();
+    }
+    /// Asks the search to end, and to play no move if `discard`; returns when it has ended.
+    void stopSearch(bool discard) {
+        if (!isBusy()) return;
+        if (discard) searcher.discardFlag = true;
+        searcher.stopFlag = true;
+        waitUntilIdle();
+    }
+
+    Searcher searcher;
+
+  protected:
+    void onIdle() override {
+        if (index == 0 && engine) engine->searchEnded();
+    }
+
+  private:
+    EngineInterface* engine;
+};
+
+}  // namespace vatro
