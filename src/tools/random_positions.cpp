@@ -1,0 +1,269 @@
+// tools/random_positions.cpp - drawing positions and writing them.
+//
+// Pawns are drawn as a game moves them: each starts on a file of its own and changes files only
+// by captures, of which there are as many as the other side has lost pieces.
+#include "tools/random_positions.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <utility>
+
+#include "board/attacks.h"
+#include "board/console.h"
+#include "board/side.h"
+
+namespace vatro {
+namespace {
+
+/// 0 to limit - 1.
+int draw(int limit) { return std::rand() % limit; }
+bool drawOneIn(int n) { return draw(n) == 0; }
+
+/// A sq64 with no piece on it.
+int drawEmptySquare(const Board_0x88& board) {
+    for (;;) {
+        const int sq64 = draw(64);
+        if (board.pieceOn[toSquare(sq64)] == NoPiece) return sq64;
+    }
+}
+
+/// What a side has left of its sixteen pieces.
+struct Material {
+    int counts[PieceTypeCount] = {};
+    int promoted = 0;
+    int total = 0;
+};
+
+Material drawMaterial() {
+    constexpr int whole[PieceTypeCount] = {0, 8, 2, 2, 2, 1, 1};
+    Material material;
+    const int keptOfSix = 1 + draw(6);  // from nearly bare kings to nearly full boards
+    for (int type = Pawn; type <= Queen; ++type) {
+        for (int i = 0; i < whole[type]; ++i) {
+            if (draw(6) < keptOfSix) ++material.counts[type];
+        }
+    }
+    while (material.counts[Pawn] + material.promoted < whole[Pawn] && drawOneIn(8)) {
+        ++material.counts[drawOneIn(2) ? Queen : Knight + draw(3)];
+        ++material.promoted;
+    }
+    material.counts[King] = 1;
+    for (const int count : material.counts) {
+        material.total += count;
+    }
+    return material;
+}
+
+/// Draws one position. Every step returns false when its draw came to nothing; the caller then
+/// starts again.
+class PositionDraw {
+  public:
+    explicit PositionDraw(Board_0x88& target) : board(target) {}
+
+    bool tryOnce() {
+        board.clearBoard();
+        material[White] = drawMaterial();
+        material[Black] = drawMaterial();
+        if (!placePawns<White>() || !placePawns<Black>() || pawnsHavePassed()) return false;
+        for (const Colour colour : {White, Black}) {
+            if (!placePieces(colour)) return false;
+        }
+        board.sideToMove = static_cast<std::uint8_t>(draw(2));
+        return board.sideToMove == White ? finish<White>() : finish<Black>();
+    }
+
+  private:
+    static constexpr int NoRank = -1;
+
+    template <Colour Us>
+    bool placePawns();
+    bool pawnsHavePassed() const;
+    bool placePieces(Colour colour);
+    template <Colour Us>
+    bool finish();
+    template <Colour Us>
+    void drawCastlingRights();
+    template <Colour Us>
+    void drawEnPassant();
+
+    Board_0x88& board;
+    Material material[ColourCount];
+    int homeFileRank[ColourCount][8] = {};  // rank of the pawn that never left its file, or NoRank
+};
+
+template <Colour Us>
+bool PositionDraw::placePawns() {
+    using S = Side<Us>;
+    // Each promoted pawn has captured once, to get past the pawn in front of it.
+    int captures = SlotCount - material[S::Them].total - material[Us].promoted;
+    if (captures < 0) return false;
+    int files[8] = {0, 1, 2, 3, 4, 5, 6, 7};
+    for (int i = 0; i < 8; ++i) {
+        std::swap(files[i], files[i + draw(8 - i)]);
+        homeFileRank[Us][i] = NoRank;
+    }
+    for (int i = 0; i < material[Us].counts[Pawn]; ++i) {
+        const int relative = 1 + (drawOneIn(3) ? 0 : draw(6));  // a third has not moved
+        const int rank = S::relativeRank(relative);
+        int file = files[i];
+        if (relative > 1 && captures > 0 && drawOneIn(4)) {
+            file += drawOneIn(2) ? 1 : -1;
+            --captures;
+        } else {
+            homeFileRank[Us][file] = rank;
+        }
+        const int square = rank * 16 + file;
+        if (!isOnBoard(square) || board.pieceOn[square] != NoPiece) return false;
+        board.addPiece(static_cast<Square>(square), Pawn, Us);
+    }
+    return true;
+}
+
+/// Two pawns that stayed on one file cannot have gone past each other.
+bool PositionDraw::pawnsHavePassed() const {
+    for (int file = 0; file < 8; ++file) {
+        const int white = homeFileRank[White][file];
+        const int black = homeFileRank[Black][file];
+        if (white != NoRank && black != NoRank && white > black) return true;
+    }
+    return false;
+}
+
+bool PositionDraw::placePieces(Colour colour) {
+    Material left = material[colour];
+    const int home = colour == White ? 0 : 56;  // sq64 of the side's a1
+    const auto place = [&](int sq64, PieceType type) {
+        --left.counts[type];
+        return board.addPiece(toSquare(sq64), type, colour);
+    };
+    // A king at home, with its rooks if it has them, is what castling needs; chance is too rare.
+    if (drawOneIn(3) && board.pieceOn[toSquare(home + 4)] == NoPiece) {
+        if (!place(home + 4, King)) return false;
+        for (const int rook : {home, home + 7}) {
+            if (left.counts[Rook] == 0 || drawOneIn(4)) continue;
+            if (board.pieceOn[toSquare(rook)] == NoPiece && !place(rook, Rook)) return false;
+        }
+    }
+    for (int type = King; type > Pawn; --type) {
+        while (left.counts[type] > 0) {
+            if (!place(drawEmptySquare(board), static_cast<PieceType>(type))) return false;
+        }
+    }
+    // Two bishops of one square colour are the work of a promotion.
+    constexpr SquareMask darkSquares = 0xAA55AA55AA55AA55ULL;
+    const SquareMask bishops = board.pieceMask[colour][Bishop];
+    const int dark = countSquares(bishops & darkSquares);
+    const int light = countSquares(bishops & ~darkSquares);
+    int promoted = std::max(dark - 1, 0) + std::max(light - 1, 0);
+    promoted += std::max(board.count(colour, Knight) - 2, 0);
+    promoted += std::max(board.count(colour, Rook) - 2, 0);
+    promoted += std::max(board.count(colour, Queen) - 1, 0);
+    return promoted <= material[colour].promoted;
+}
+
+/// With `Us` to move: is the position legal, and which rights and clock does it get?
+template <Colour Us>
+bool PositionDraw::finish() {
+    using S = Side<Us>;
+    const int king = toSq64(board.kingSquare(Us));
+    if (kingDistance(king, toSq64(board.kingSquare(S::Them))) < 2) return false;
+    if (findCheckers<S::Them>(board)) return false;
+    const SquareMask checkers = findCheckers<Us>(board);
+    // Few double checks can come about, so none is drawn; and a pawn gives check only by moving.
+    if (checkers & (checkers - 1)) return false;
+    const bool checkedByPawn = (checkers & board.pieceMask[S::Them][Pawn]) != 0;
+    if (checkedByPawn && rankOf64(lowestSquare(checkers)) == S::relativeRank(6)) return false;
+    drawCastlingRights<White>();
+    drawCastlingRights<Black>();
+    drawEnPassant<Us>();
+    const bool pawnHasMoved = checkedByPawn || board.epSquare != NoSquare;
+    board.halfmoveClock = static_cast<std::uint8_t>(pawnHasMoved ? 0 : draw(20));
+    board.record().key = board.fullKey();
+    return true;
+}
+
+template <Colour Us>
+void PositionDraw::drawCastlingRights() {
+    using S = Side<Us>;
+    if (board.kingSquare(Us) != S::KingHome) return;
+    const SquareMask rooks = board.pieceMask[Us][Rook];
+    for (const auto& [rook, right] : {std::pair(H1, S::KingSide), std::pair(A1, S::QueenSide)}) {
+        if (!(rooks & maskOf(toSq64(S::home(rook)))) || drawOneIn(4)) continue;
+        board.castlingRights = static_cast<std::uint8_t>(board.castlingRights | right);
+    }
+}
+
+/// Says of a pawn of the side that has just moved, one that could have, that it made a double step.
+template <Colour Us>
+void PositionDraw::drawEnPassant() {
+    constexpr Colour Pusher = Side<Us>::Them;
+    using S = Side<Pusher>;
+    for (int file = 0; file < 8; ++file) {
+        const int rank = S::relativeRank(3);
+        if (homeFileRank[Pusher][file] != rank || drawOneIn(3)) continue;
+        const int to = rank * 16 + file;
+        const int passed = to - S::Up;
+        const int from = passed - S::Up;
+        if (board.pieceOn[passed] != NoPiece || board.pieceOn[from] != NoPiece) continue;
+        if (!(pawnAttacks[Pusher][toSq64(passed)] & board.pieceMask[Us][Pawn])) continue;
+        // Before the double step it was the pusher's turn, so this king was not in check.
+        const SquareMask mover = maskOf(toSq64(to));
+        const SquareMask occupied = (board.occupied() ^ mover) | maskOf(toSq64(from));
+        const int king = toSq64(board.kingSquare(Us));
+        const SquareMask checkers = attackersOf<Pusher>(board, king, occupied) & ~mover;
+        if (checkers || (pawnAttacks[Pusher][toSq64(from)] & maskOf(king))) continue;
+        board.epSquare = static_cast<std::uint8_t>(passed);
+        return;
+    }
+}
+
+std::string drawFEN(Board_0x88& board) {
+    setupRandomPosition(board);
+    // Late enough for as many captures as pieces are missing.
+    return board.toFEN(static_cast<unsigned>(25 + draw(50)));
+}
+
+}  // namespace
+
+void setupRandomPosition(Board_0x88& board) {
+    PositionDraw position(board);
+    while (!position.tryOnce()) {
+    }
+    board.perftKeys[board.perftPly] = board.record().key;
+}
+
+std::string randomPositionFEN() {
+    Board_0x88 board;
+    return drawFEN(board);
+}
+
+bool writeRandomPositions(int count, const char* path) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
+        path ? std::fopen(path, "w") : nullptr, &std::fclose);
+    if (path && !file) {
+        say(formatted("# ERROR: failed to open file \"%s\" for writing", path));
+        return false;
+    }
+    Board_0x88 board;
+    bool written = true;
+    for (int i = 0; i < count; ++i) {
+        const std::string line = drawFEN(board) + '\n';
+        if (file) {
+            written = written && std::fputs(line.c_str(), file.get()) >= 0;
+        } else {
+            write(line);
+        }
+    }
+    say("");
+    if (!file) return true;
+    if (!written || std::fflush(file.get()) != 0) {
+        say(formatted("# ERROR: failed to write to file \"%s\"\n", path));
+        return false;
+    }
+    say(formatted("Wrote %d random FENs to file \"%s\"\n", count, path));
+    return true;
+}
+
+}  // namespace vatro
