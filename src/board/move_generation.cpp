@@ -5,6 +5,7 @@
 #include "board/move_generation.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace vatro {
 namespace {
@@ -52,6 +53,59 @@ struct CountSink {
     void addSliding(int, SquareMask targets, int) {
         count += static_cast<unsigned>(countSquares(targets));
     }
+};
+
+/// Notes which piece can go where, so that one move can be written out without the others.
+class GroupSink {
+  public:
+    void add(Move move) { groups[count++] = {0, nullptr, move, 0, 0, total += 1}; }
+    void addPromotions(int from, int to, Kind) {
+        groups[count++] = {0, nullptr, makePromotion(from, to, Queen), 0, 0, total += 4};
+    }
+    void addTargets(int from, SquareMask targets, const Square* order, int length) {
+        total += static_cast<unsigned>(countSquares(targets));
+        groups[count++] = {targets, order, NoMove, from, length, total};
+    }
+    void addSliding(int from, SquareMask targets, int firstRay) {
+        total += static_cast<unsigned>(countSquares(targets));
+        groups[count++] = {targets, nullptr, NoMove, from, firstRay, total};
+    }
+
+    unsigned size() const { return std::min(total, MoveList::Capacity); }
+    /// The move at an index below `size`.
+    Move at(unsigned index) const {
+        const Group* group = groups;
+        unsigned before = 0;
+        for (; index >= group->end; ++group) {
+            before = group->end;
+        }
+        if (!group->targets && group->end == before + 1) return group->first;
+        MoveList list;
+        ListSink sink{list};
+        if (!group->targets) {
+            sink.addPromotions(from64(group->first), to64(group->first), Kind::All);
+        } else if (group->order) {
+            sink.addTargets(group->from, group->targets, group->order, group->firstRayOrLength);
+        } else {
+            sink.addSliding(group->from, group->targets, group->firstRayOrLength);
+        }
+        return list.moves[index - before].move;
+    }
+
+  private:
+    struct Group {
+        SquareMask targets;    // empty: only `first`, or the four promotions that it stands for
+        const Square* order;   // of a stepping piece's targets; nullptr: they are a sliding piece's
+        Move first;
+        int from;
+        int firstRayOrLength;  // of `order`
+        unsigned end;          // number of moves up to and with this group
+    };
+
+    // Per piece at most four groups (a pawn's targets); two en-passant captures, two castlings.
+    Group groups[4 * SlotCount + 4];
+    unsigned count = 0;
+    unsigned total = 0;
 };
 
 /// The targets of a stepping piece from each square, in generation order.
@@ -250,12 +304,23 @@ unsigned countLegalMoves(const Board_0x88& board) {
     return std::min(sink.count, MoveList::Capacity);
 }
 
+template <Colour Us>
+Move drawLegalMove(const Board_0x88& board) {
+    GroupSink sink;
+    const PinInfo info = computePins<Us>(board, findCheckers<Us>(board));
+    Generator<Us, Kind::All, GroupSink>(board, info, sink).generate();
+    if (sink.size() == 0) return NoMove;
+    return sink.at((static_cast<unsigned>(std::rand()) & 0x7FFFFFFFU) % sink.size());
+}
+
 template void generateLegalMoves<White>(const Board_0x88&, const PinInfo&, MoveList&);
 template void generateLegalMoves<Black>(const Board_0x88&, const PinInfo&, MoveList&);
 template void generateCaptures<White>(const Board_0x88&, const PinInfo&, MoveList&);
 template void generateCaptures<Black>(const Board_0x88&, const PinInfo&, MoveList&);
 template unsigned countLegalMoves<White>(const Board_0x88&);
 template unsigned countLegalMoves<Black>(const Board_0x88&);
+template Move drawLegalMove<White>(const Board_0x88&);
+template Move drawLegalMove<Black>(const Board_0x88&);
 
 void generateLegalMoves(const Board_0x88& board, const PinInfo& info, MoveList& list) {
     board.sideToMove == White ? generateLegalMoves<White>(board, info, list)
@@ -274,6 +339,10 @@ void generateCaptures(const Board_0x88& board, const PinInfo& info, MoveList& li
 unsigned countLegalMoves(const Board_0x88& board) {
     return board.sideToMove == White ? countLegalMoves<White>(board)
                                      : countLegalMoves<Black>(board);
+}
+
+Move drawLegalMove(const Board_0x88& board) {
+    return board.sideToMove == White ? drawLegalMove<White>(board) : drawLegalMove<Black>(board);
 }
 
 }  // namespace vatro

@@ -17,6 +17,8 @@ void generateLegalMoves(const Board_0x88& board, MoveList& list);
 void generateCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list);
 /// How many moves generateLegalMoves would list.
 unsigned countLegalMoves(const Board_0x88& board);
+/// What pickRandomMove would draw from the list of generateLegalMoves, without making that list.
+Move drawLegalMove(const Board_0x88& board);
 
 // The same for a side to move that the caller knows.
 template <Colour Us>
@@ -25,5 +27,9 @@ template <Colour Us>
 void generateCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list);
 template <Colour Us>
 unsigned countLegalMoves(const Board_0x88& board);
+/// What pickRandomMove would draw from the list of generateLegalMoves, without making that list.
+Move drawLegalMove(const Board_0x88& board);
+template <Colour Us>
+Move drawLegalMove(const Board_0x88& board);
 
 }  // namespace vatro

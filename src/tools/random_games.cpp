@@ -54,9 +54,7 @@ class RandomGame {
         DrawReason reason;
         do {
             if (game.isFull()) break;
-            MoveList list;
-            generateLegalMoves(game.board, list);
-            const Move move = pickRandomMove(list);
+            const Move move = drawLegalMove(game.board);
             if (move == NoMove) break;
             count(move);
             game.play(move);
