@@ -1,0 +1,68 @@
+// src/book/book_move.cpp - from the moves of a Polyglot book to move words.
+#include "book/book_move.h"
+
+#include "board/attacks.h"
+
+namespace vatro {
+namespace {
+
+constexpr unsigned LastPromotionCode = 4;  // queen; fixed by the Polyglot format
+
+bool isPieceAt(const Board_0x88& board, Square square, PieceType type, Colour colour) {
+    return board.pieceOn[square] == type && board.colourOn[square] == colour;
+}
+
+/// The castling move of `Us` that a king's move from its home stands for, or NoMove.
+template <Colour Us>
+Move castlingMove(const Board_0x88& board, Square from, Square to) {
+    using S = Side<Us>;
+    constexpr unsigned KingSideKind = Us == White ? 0 : 2;
+    if (from != S::KingHome || !isPieceAt(board, from, King, Us)) return NoMove;
+    const auto castlesTo = [&](Square rook, Square target) {
+        return (to == rook || to == target) && isPieceAt(board, rook, Rook, Us);
+    };
+    if (castlesTo(S::home(H1), S::home(G1))) {
+        return makeMoveWord(toSq64(from), toSq64(S::home(G1)), Castling, KingSideKind);
+    }
+    if (castlesTo(S::home(A1), S::home(C1))) {
+        return makeMoveWord(toSq64(from), toSq64(S::home(C1)), Castling, KingSideKind + 1);
+    }
+    return NoMove;
+}
+
+template <Colour Us>
+bool isDoubleStep(const Board_0x88& board, Square from, Square to) {
+    using S = Side<Us>;
+    return isPieceAt(board, from, Pawn, Us) && rankOf(from) == S::DoubleStepRank &&
+           to == from + 2 * S::Up;
+}
+
+/// The move word, not yet checked against the position.
+template <Colour Us>
+Move translate(const Board_0x88& board, Square from, Square to, unsigned promotion) {
+    if (promotion > LastPromotionCode) return NoMove;
+    const int from64 = toSq64(from);
+    const int to64 = toSq64(to);
+    if (promotion > 0) {
+        return makePromotion(from64, to64, static_cast<PieceType>(Knight + promotion - 1));
+    }
+    if (const Move castling = castlingMove<Us>(board, from, to)) return castling;
+    if (to == board.epSquare && board.pieceOn[from] == Pawn) {
+        return makeMoveWord(from64, to64, EnPassant);
+    }
+    return makeMoveWord(from64, to64, Normal, isDoubleStep<Us>(board, from, to) ? DoubleStep : 0);
+}
+
+}  // namespace
+
+Move fromBookMove(const Board_0x88& board, std::uint16_t bookMove) {
+    const Square to = toSquare(bookMove & 63);
+    const Square from = toSquare((bookMove >> 6) & 63);
+    const unsigned promotion = (bookMove >> 12) & 7;
+    const Move move = board.sideToMove == White ? translate<White>(board, from, to, promotion)
+                                                : translate<Black>(board, from, to, promotion);
+    const bool playable = isValidMove(board, move) && isLegal(board, move, computePins(board));
+    return playable ? move : NoMove;
+}
+
+}  // namespace vatro
