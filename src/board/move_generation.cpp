@@ -195,14 +195,33 @@ class Generator {
 
     void addKingMoves(int from) {
         const SquareMask withoutKing = (own | enemies) ^ maskOf(from);
-        SquareMask targets = kingAttacks[from] & (K == Kind::Captures ? enemies : ~own);
-        SquareMask safe = 0;
-        for (; targets; targets &= targets - 1) {
-            const int to = lowestSquare(targets);
-            if (!attackersOf<S::Them>(board, to, withoutKing)) safe |= maskOf(to);
-        }
+        const SquareMask targets = kingAttacks[from] & (K == Kind::Captures ? enemies : ~own);
+        if (!targets) return;
+        const SquareMask safe = targets & ~attackedSquares(withoutKing);
         const StepOrder& order = kingOrder[from];
         if (safe) sink.addTargets(from, safe, order.targets, order.count);
+    }
+
+    /// All squares that the enemies attack. Their few pieces are walked sooner than the many
+    /// squares around a king.
+    SquareMask attackedSquares(SquareMask occupied) const {
+        const SquareMask* theirs = board.pieceMask[S::Them];
+        constexpr SquareMask fileA = 0x0101010101010101ULL;
+        const SquareMask pawns = theirs[Pawn];
+        SquareMask attacked = S::Them == White
+                                  ? ((pawns & ~fileA) << 7) | ((pawns & ~(fileA << 7)) << 9)
+                                  : ((pawns & ~fileA) >> 9) | ((pawns & ~(fileA << 7)) >> 7);
+        if (theirs[King]) attacked |= kingAttacks[lowestSquare(theirs[King])];
+        for (SquareMask left = theirs[Knight]; left; left &= left - 1) {
+            attacked |= knightAttacks[lowestSquare(left)];
+        }
+        for (SquareMask left = theirs[Rook] | theirs[Queen]; left; left &= left - 1) {
+            attacked |= rookAttacks(lowestSquare(left), occupied);
+        }
+        for (SquareMask left = theirs[Bishop] | theirs[Queen]; left; left &= left - 1) {
+            attacked |= bishopAttacks(lowestSquare(left), occupied);
+        }
+        return attacked;
     }
 
     void addPawnMoves(Square square, SquareMask allowed) {
