@@ -12,8 +12,8 @@ namespace {
 
 struct Row {
     unsigned number;
-    const char* fen;
     unsigned depth;
+    const char* fen;
     std::uint64_t leaves;
 };
 
@@ -23,24 +23,24 @@ constexpr char rookEnding[] = "8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - - 0 1";
 
 // Published counts. The numbers 7 and 13 are not in use.
 constexpr Row rows[] = {
-    {1, startPositionFEN, 1, 20},
-    {2, startPositionFEN, 2, 400},
-    {3, startPositionFEN, 3, 8902},
-    {4, startPositionFEN, 4, 197281},
-    {5, startPositionFEN, 5, 4865609},
-    {6, startPositionFEN, 6, 119060324},
-    {8, middleGame, 1, 48},
-    {9, middleGame, 2, 2039},
-    {10, middleGame, 3, 97862},
-    {11, middleGame, 4, 4085603},
-    {12, middleGame, 5, 193690690},
-    {14, "8/3K4/2p5/p2b2r1/5k2/8/8/1q6 b - - 1 67", 1, 50},
-    {15, "8/3K4/2p5/p2b2r1/5k2/8/8/1q6 b - - 1 67", 2, 279},
-    {16, "8/7p/p5pb/4k3/P1pPn3/8/P5PP/1rB2RK1 b - d3 0 28", 6, 38633283},
-    {17, "rnbqkb1r/ppppp1pp/7n/4Pp2/8/8/PPPP1PPP/RNBQKBNR w KQkq f6 0 3", 5, 11139762},
-    {18, rookEnding, 6, 11030083},
-    {19, rookEnding, 7, 178633661},
-    {20, middleGame, 5, 193690690},
+    {1, 1, startPositionFEN, 20},
+    {2, 2, startPositionFEN, 400},
+    {3, 3, startPositionFEN, 8902},
+    {4, 4, startPositionFEN, 197281},
+    {5, 5, startPositionFEN, 4865609},
+    {6, 6, startPositionFEN, 119060324},
+    {8, 1, middleGame, 48},
+    {9, 2, middleGame, 2039},
+    {10, 3, middleGame, 97862},
+    {11, 4, middleGame, 4085603},
+    {12, 5, middleGame, 193690690},
+    {14, 1, "8/3K4/2p5/p2b2r1/5k2/8/8/1q6 b - - 1 67", 50},
+    {15, 2, "8/3K4/2p5/p2b2r1/5k2/8/8/1q6 b - - 1 67", 279},
+    {16, 6, "8/7p/p5pb/4k3/P1pPn3/8/P5PP/1rB2RK1 b - d3 0 28", 38633283},
+    {17, 5, "rnbqkb1r/ppppp1pp/7n/4Pp2/8/8/PPPP1PPP/RNBQKBNR w KQkq f6 0 3", 11139762},
+    {18, 6, rookEnding, 11030083},
+    {19, 7, rookEnding, 178633661},
+    {20, 5, middleGame, 193690690},
 };
 
 struct Sums {
