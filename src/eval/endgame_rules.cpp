@@ -1,0 +1,93 @@
+// eval/endgame_rules.cpp - endings of four pieces that are hard or impossible to win.
+#include "eval/endgame_rules.h"
+
+#include "board/geometry.h"
+#include "board/side.h"
+#include "board/types.h"
+
+namespace vatro {
+namespace {
+
+// Signatures of a side that has its king and the pieces named.
+constexpr std::uint32_t bareKing = materialSignature(0, 0, 0, 0, 0, 1);
+constexpr std::uint32_t onePawn = materialSignature(1, 0, 0, 0, 0, 2);
+constexpr std::uint32_t oneKnight = materialSignature(0, 1, 0, 0, 0, 2);
+constexpr std::uint32_t oneBishop = materialSignature(0, 0, 1, 0, 0, 2);
+constexpr std::uint32_t oneRook = materialSignature(0, 0, 0, 1, 0, 2);
+constexpr std::uint32_t oneQueen = materialSignature(0, 0, 0, 0, 1, 2);
+constexpr std::uint32_t bishopAndPawn = materialSignature(1, 0, 1, 0, 0, 3);
+
+// Percentages. Tuned; no derivation.
+constexpr int RookAgainstBishop = 25;
+constexpr int RookAgainstKnight = 12;
+constexpr int WrongBishop = 50;      // the defending king is not yet in the corner
+constexpr int WrongBishopDrawn = 0;  // it is
+constexpr int QueenAgainstFarPawn = 25;
+
+constexpr SquareMask squares(std::initializer_list<Square> list) {
+    SquareMask mask = 0;
+    for (const Square square : list) {
+        mask |= maskOf(toSq64(square));
+    }
+    return mask;
+}
+
+constexpr Square A2 = 0x10;
+constexpr Square B2 = 0x11;
+constexpr Square C2 = 0x12;
+constexpr Square D2 = 0x13;
+// Where its king stands well enough to help the pawn that is about to promote on rank 1.
+constexpr SquareMask helpsRookPawn = squares({A1, B1, B2});
+constexpr SquareMask helpsBishopPawn = squares({B1, C1, D1, B2, D2});
+
+/// King, bishop and rook pawn against king: drawn when the bishop does not cover the corner.
+template <Colour Us>
+int bishopAndPawnScale(const Board_0x88& board) {
+    constexpr Colour Them = Side<Us>::Them;
+    const int file = fileOf64(lowestSquare(board.pieceMask[Us][Pawn]));
+    if (file != 0 && file != 7) return FullScale;
+    const Square corner = Side<Them>::home(static_cast<Square>(file));
+    // The mask finds the one bishop wherever it stands in the piece list; a promoted one may stand
+    // behind the pawn there.
+    const Square bishop = toSquare(lowestSquare(board.pieceMask[Us][Bishop]));
+    if (squareColour(bishop) == squareColour(corner)) return FullScale;
+    const int distance = kingDistance(toSq64(board.kingSquare(Them)), toSq64(corner));
+    return distance < 2 ? WrongBishopDrawn : WrongBishop;
+}
+
+/// Queen against a pawn of `Us` that is one step from promotion on a rook or bishop file.
+template <Colour Us>
+int queenAgainstPawnScale(const Board_0x88& board) {
+    // Turned so that the pawn promotes on rank 1, on one of the files a to d.
+    constexpr int Ranks = Us == White ? 56 : 0;
+    const int pawnSquare = lowestSquare(board.pieceMask[Us][Pawn]);
+    const int files = fileOf64(pawnSquare) > 3 ? 7 : 0;
+    const int pawn = pawnSquare ^ Ranks ^ files;
+    const SquareMask king = maskOf(toSq64(board.kingSquare(Us)) ^ Ranks ^ files);
+    const bool helped = (pawn == toSq64(A2) && (king & helpsRookPawn)) ||
+                        (pawn == toSq64(C2) && (king & helpsBishopPawn));
+    return helped ? QueenAgainstFarPawn : FullScale;
+}
+
+/// The rule for `Us` as the stronger side.
+template <Colour Us>
+int ruleFor(const Board_0x88& board, const MaterialInfo& material) {
+    constexpr Colour Them = Side<Us>::Them;
+    const std::uint32_t ours = material.signature[Us];
+    const std::uint32_t theirs = material.signature[Them];
+    if (ours == oneRook && theirs == oneBishop) return RookAgainstBishop;
+    if (ours == oneRook && theirs == oneKnight) return RookAgainstKnight;
+    if (ours == bishopAndPawn && theirs == bareKing) return bishopAndPawnScale<Us>(board);
+    if (ours == oneQueen && theirs == onePawn) return queenAgainstPawnScale<Them>(board);
+    return FullScale;
+}
+
+}  // namespace
+
+int endgameRule(const Board_0x88& board, const MaterialInfo& material) {
+    if (board.totalCount() != EndgamePieces) return FullScale;
+    // No two rules, nor one for both sides, can hold at once.
+    return std::min(ruleFor<White>(board, material), ruleFor<Black>(board, material));
+}
+
+}  // namespace vatro

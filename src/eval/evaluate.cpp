@@ -1,0 +1,124 @@
+// eval/evaluate.cpp - the order of the evaluation, from material to the final score.
+//
+// Every term is a pair summed by colour; the sums are tapered one by one and truncate each, so
+// that terms must not move from one sum to another.
+#include "eval/evaluate.h"
+
+#include <algorithm>
+
+#include "board/side.h"
+#include "eval/king_safety.h"
+#include "eval/passed_pawns.h"
+#include "eval/pawn_structure.h"
+#include "eval/pawnless.h"
+#include "eval/piece_terms.h"
+#include "eval/scores.h"
+
+namespace vatro {
+namespace {
+
+// Tuned; no derivation.
+constexpr ScorePair sideToMoveBonus{FullPhase, 0};  // tapers to the phase itself
+constexpr int LazyMargin = 199;
+constexpr int PositionalLimit = 200;
+
+template <typename Breakdown>
+PawnStructure findPawnStructure(const Board_0x88& board,
+                                PawnHashTable& pawnHash,
+                                std::uint64_t& pawnHashHits,
+                                Breakdown& breakdown) {
+    const Key pawnKey = board.record().pawnKey;
+    PawnStructure pawns;
+    if (pawnHash.probe(pawnKey, pawns)) [[likely]] {
+        ++pawnHashHits;
+        breakdown.add(EvalRow::PawnStructure, White, pawns.score);
+        return pawns;
+    }
+    ScoreSum weakPawns[ColourCount];
+    pawns = computePawnStructure(board, weakPawns);
+    pawnHash.store(pawnKey, pawns);
+    for (const Colour colour : {White, Black}) {
+        breakdown.add(EvalRow::WeakPawns, colour, weakPawns[colour]);
+    }
+    return pawns;
+}
+
+/// The terms of one colour that are tapered together.
+template <Colour Us, typename Breakdown>
+ScoreSum positionalTerms(const Board_0x88& board,
+                         const MaterialInfo& material,
+                         const PawnStructure& pawns,
+                         Breakdown& breakdown) {
+    const ScoreSum pieces = pieceTerms<Us>(board, pawns, breakdown);
+    const ScoreSum passed = passedPawnTerms<Us>(board);
+    const ScoreSum safety = kingSafetyTerms<Us>(board, material, pawns.openFiles);
+    breakdown.add(EvalRow::PassedPawns, Us, passed);
+    breakdown.add(EvalRow::KingSafety, Us, safety);
+    return pieces + passed + safety;
+}
+
+template <typename Breakdown>
+int evaluatePosition(const Board_0x88& board,
+                     PawnHashTable& pawnHash,
+                     std::uint64_t& pawnHashHits,
+                     int alpha,
+                     int beta,
+                     Breakdown& breakdown) {
+    // 1. Material, and whether anybody can win at all.
+    const MaterialInfo material = computeMaterial(board);
+    const int scale = scaleFactor(board, material);
+    if (scale == 0) return DrawScore;
+    // 2. Without pawns other things count.
+    if (!material.hasPawns()) return pawnlessEvaluation(board, material, breakdown);
+
+    // 3. Material and piece-square values, from the point of view of the side to move.
+    const Colour mover = board.toMove();
+    const int phase = material.phase;
+    const auto forMover = [mover](int whiteLead) {
+        return mover == White ? whiteLead : -whiteLead;
+    };
+    const int base = taper(board.pstScore[White], phase) + taper(material.material, phase) -
+                     taper(board.pstScore[Black], phase);
+    const int lazy = forMover(base) + phase;
+    breakdown.add(EvalRow::Material, White, material.material);
+    breakdown.add(EvalRow::PieceSquare, White, board.pstScore[White]);
+    breakdown.add(EvalRow::PieceSquare, Black, board.pstScore[Black]);
+    breakdown.add(EvalRow::SideToMove, mover, sideToMoveBonus);
+
+    // 4. The rest is worth at most PositionalLimit: it cannot bring the score into the window.
+    if (scale == FullScale && material.canWin[White] && material.canWin[Black]) {
+        if (lazy + LazyMargin < alpha) return lazy + LazyMargin + 1;
+        if (lazy - LazyMargin > beta) return lazy - LazyMargin - 1;
+    }
+
+    // 5. Pawns, and the terms of both colours.
+    const PawnStructure pawns = findPawnStructure(board, pawnHash, pawnHashHits, breakdown);
+    const ScoreSum white = positionalTerms<White>(board, material, pawns, breakdown);
+    const ScoreSum black = positionalTerms<Black>(board, material, pawns, breakdown);
+    const int lead = taper(white, phase) + taper(pawns.score, phase) - taper(black, phase);
+    int total = lazy + std::clamp(forMover(lead), -PositionalLimit, PositionalLimit);
+
+    // 6. Who cannot win is never ahead.
+    if (total > 0 ? !material.canWin[mover] : !material.canWin[~mover]) total = 0;
+    return scale == FullScale ? total : scale * total / FullScale;
+}
+
+}  // namespace
+
+int evaluate(const Board_0x88& board,
+             PawnHashTable& pawnHash,
+             std::uint64_t& pawnHashHits,
+             int alpha,
+             int beta) {
+    NoBreakdown none;
+    return evaluatePosition(board, pawnHash, pawnHashHits, alpha, beta, none);
+}
+
+int evaluateWithBreakdown(const Board_0x88& board,
+                          PawnHashTable& pawnHash,
+                          EvalBreakdown& breakdown) {
+    std::uint64_t uncounted = 0;
+    return evaluatePosition(board, pawnHash, uncounted, -MateScore, MateScore, breakdown);
+}
+
+}  // namespace vatro

@@ -1,0 +1,70 @@
+// eval/passed_pawns.h - pawns that no enemy pawn can stop any more.
+//
+// They depend on the other pieces too and are evaluated every time.
+#pragma once
+
+#include <algorithm>
+#include <array>
+
+#include "board/board.h"
+#include "board/geometry.h"
+#include "board/side.h"
+#include "eval/pawn_masks.h"
+#include "eval/score_sum.h"
+
+namespace vatro {
+
+constexpr int PassedStepCount = 12;
+constexpr int UnstoppableStepCount = 7;
+/// By the number of steps to promotion.
+extern const std::array<ScoreSum, PassedStepCount> passedPawnBonus;
+/// The same for a pawn with an enemy piece on its way: a quarter of it.
+extern const std::array<ScoreSum, PassedStepCount> blockedPawnBonus;
+/// On top when the enemy has only king and pawns and its king comes too late.
+extern const std::array<ScoreSum, UnstoppableStepCount> unstoppablePawnBonus;
+
+/// The pawns with no enemy pawn ahead on their own or an adjacent file. Own pawns do not matter.
+template <Colour Us>
+SquareMask passedPawns(SquareMask own, SquareMask enemy) {
+    constexpr Colour Them = Side<Us>::Them;
+    const SquareMask behindEnemy = oneAhead<Them>(fillAhead<Them>(enemy));
+    return own & ~(behindEnemy | beside(behindEnemy));
+}
+
+/// True when the enemy king does not reach the promotion square of an unblocked pawn in time.
+template <Colour Us>
+bool isUnstoppable(const Board_0x88& board, int pawn, int steps) {
+    constexpr Colour Them = Side<Us>::Them;
+    if (board.totalCount(Them) != board.count(Them, Pawn) + 1 || !board.hasKing(Them)) return false;
+    const int promotion = fileOf64(pawn) | (Us == White ? 56 : 0);
+    const int distance = kingDistance(toSq64(board.kingSquare(Them)), promotion);
+    return steps < (board.sideToMove == Them ? distance - 1 : distance);
+}
+
+template <Colour Us>
+ScoreSum passedPawnTerms(const Board_0x88& board) {
+    constexpr Colour Them = Side<Us>::Them;
+    const SquareMask enemyPieces = board.pieceMask[Them][NoPiece];
+    const SquareMask occupied = board.occupied();
+    ScoreSum score;
+    SquareMask passed = passedPawns<Us>(board.pieceMask[Us][Pawn], board.pieceMask[Them][Pawn]);
+    for (; passed; passed &= passed - 1) {
+        const int pawn = lowestSquare(passed);
+        const int rank = Side<Us>::relativeRank(rankOf64(pawn));
+        const SquareMask front = frontSpan<Us>(pawn);
+        const bool blocked = (front & enemyPieces) != 0;
+        // The double step saves one; every piece on the way costs one. Only a pawn set up on its
+        // first rank could need more steps than the table has.
+        const int way = 7 - rank - static_cast<int>(rank == 1);
+        const int steps = std::min(way + countSquares(front & occupied), PassedStepCount - 1);
+        if (blocked) {
+            score += blockedPawnBonus[steps];
+            continue;
+        }
+        score += passedPawnBonus[steps];
+        if (isUnstoppable<Us>(board, pawn, steps)) score += unstoppablePawnBonus[steps];
+    }
+    return score;
+}
+
+}  // namespace vatro

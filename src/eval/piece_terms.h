@@ -1,0 +1,106 @@
+// eval/piece_terms.h - mobility, rooks and queens on open files, and every piece's tropism.
+#pragma once
+
+#include <array>
+
+#include "board/board.h"
+#include "board/geometry.h"
+#include "board/side.h"
+#include "eval/breakdown.h"
+#include "eval/pawn_hash.h"
+#include "eval/pawn_masks.h"
+#include "eval/score_sum.h"
+#include "eval/tropism.h"
+
+namespace vatro {
+
+constexpr int MobilityCount = 28;  // a queen reaches at most 27 squares
+/// By piece type and number of squares the piece can go to.
+extern const std::array<std::array<ScoreSum, MobilityCount>, PieceTypeCount> mobilityTerms;
+
+constexpr int FileCountSize = 9;  // 0 to 8 files
+/// A rook on an open file, by the number of open files.
+extern const std::array<ScoreSum, FileCountSize> rookOpenFileBonus;
+/// A rook on a half-open file, by the number of open and half-open files.
+extern const std::array<ScoreSum, FileCountSize> rookHalfOpenFileBonus;
+
+// A piece on an open file that is the enemy king's or next to it. Tuned; no derivation.
+constexpr ScoreSum rookOnKingFile{83, 36};
+constexpr ScoreSum rookBesideKingFile{54, -21};
+constexpr ScoreSum queenOnKingFile{16, 111};
+constexpr ScoreSum queenBesideKingFile{7, 39};
+
+template <PieceType Type>
+SquareMask attacksFrom(int sq64, SquareMask occupied) {
+    static_assert(Type == Knight || Type == Bishop || Type == Rook || Type == Queen);
+    if constexpr (Type == Knight) return knightAttacks[sq64];
+    if constexpr (Type == Bishop) return bishopAttacks(sq64, occupied);
+    if constexpr (Type == Rook) return rookAttacks(sq64, occupied);
+    return bishopAttacks(sq64, occupied) | rookAttacks(sq64, occupied);
+}
+
+/// The mobility of all pieces of a type; their tropism is added to `tropism`.
+template <Colour Us, PieceType Type>
+ScoreSum mobility(const Board_0x88& board, ScoreSum& tropism) {
+    const SquareMask occupied = board.occupied();
+    const SquareMask targets = ~board.pieceMask[Us][NoPiece];
+    const Square enemyKing = board.kingSquare(Side<Us>::Them);
+    ScoreSum score;
+    for (SquareMask pieces = board.pieceMask[Us][Type]; pieces; pieces &= pieces - 1) {
+        const int sq64 = lowestSquare(pieces);
+        score += mobilityTerms[Type][countSquares(attacksFrom<Type>(sq64, occupied) & targets)];
+        tropism += tropismTerm(Type, toSquare(sq64), enemyKing);
+    }
+    return score;
+}
+
+template <Colour Us>
+ScoreSum rookFileTerms(const Board_0x88& board, const PawnStructure& pawns, unsigned kingFile) {
+    const SquareMask rooks = board.pieceMask[Us][Rook];
+    const unsigned open = pawns.openFiles;
+    const unsigned halfOpen = pawns.halfOpenFiles;
+    const auto rooksOn = [&](unsigned files) {
+        return countSquares(rooks & squaresOnFiles(files));
+    };
+    return rooksOn(open) * rookOpenFileBonus[countSquares(open)] +
+           rooksOn(halfOpen) * rookHalfOpenFileBonus[countSquares(open | halfOpen)] +
+           rooksOn(open & kingFile) * rookOnKingFile +
+           rooksOn(open & filesBeside(kingFile)) * rookBesideKingFile;
+}
+
+template <Colour Us>
+ScoreSum queenFileTerms(const Board_0x88& board, const PawnStructure& pawns, unsigned kingFile) {
+    const SquareMask queens = board.pieceMask[Us][Queen];
+    const unsigned open = pawns.openFiles;
+    const auto queensOn = [&](unsigned files) {
+        return countSquares(queens & squaresOnFiles(files));
+    };
+    return queensOn(open & kingFile) * queenOnKingFile +
+           queensOn(open & filesBeside(kingFile)) * queenBesideKingFile;
+}
+
+/// All terms of the pieces of a colour, pawns' and king's tropism included.
+template <Colour Us, typename Breakdown>
+ScoreSum pieceTerms(const Board_0x88& board, const PawnStructure& pawns, Breakdown& breakdown) {
+    constexpr Colour Them = Side<Us>::Them;
+    const Square enemyKing = board.kingSquare(Them);
+    const unsigned kingFile = filesOf(board.pieceMask[Them][King]);  // none without a king
+
+    ScoreSum tropism = pawnTropismTerms<Us>(board.pieceMask[Us][Pawn], enemyKing);
+    if (board.hasKing(Us)) tropism += tropismTerm(King, board.kingSquare(Us), enemyKing);
+    const ScoreSum knights = mobility<Us, Knight>(board, tropism);
+    const ScoreSum bishops = mobility<Us, Bishop>(board, tropism);
+    const ScoreSum rooks =
+        mobility<Us, Rook>(board, tropism) + rookFileTerms<Us>(board, pawns, kingFile);
+    const ScoreSum queens =
+        mobility<Us, Queen>(board, tropism) + queenFileTerms<Us>(board, pawns, kingFile);
+
+    breakdown.add(EvalRow::Knights, Us, knights);
+    breakdown.add(EvalRow::Bishops, Us, bishops);
+    breakdown.add(EvalRow::Rooks, Us, rooks);
+    breakdown.add(EvalRow::Queens, Us, queens);
+    breakdown.add(EvalRow::KingTropism, Us, tropism);
+    return knights + bishops + rooks + queens + tropism;
+}
+
+}  // namespace vatro
