@@ -94,8 +94,8 @@ class GroupSink {
 
   private:
     struct Group {
-        SquareMask targets;    // empty: only `first`, or the four promotions that it stands for
-        const Square* order;   // of a stepping piece's targets; nullptr: they are a sliding piece's
+        SquareMask targets;   // empty: only `first`, or the four promotions that it stands for
+        const Square* order;  // of a stepping piece's targets; nullptr: they are a sliding piece's
         Move first;
         int from;
         int firstRayOrLength;  // of `order`
@@ -229,7 +229,8 @@ class Generator {
         const bool promotes = rankOf(square) == S::SeventhRank;
         for (const int step : {S::CaptureFirst, S::CaptureSecond}) {
             const int to = square + step;
-            if (isOnBoard(to) && board.colourOn[to] == S::Them) addPawnMove(from, to, allowed, promotes);
+            if (isOnBoard(to) && board.colourOn[to] == S::Them)
+                addPawnMove(from, to, allowed, promotes);
         }
         if (K == Kind::Captures && !promotes) return;
         const int one = square + S::Up;
@@ -272,10 +273,10 @@ class Generator {
 
     void addCastling() {
         if (king != toSq64(S::KingHome)) return;  // rights outlive a captured king
-        constexpr SquareMask kingSidePath = maskOf(toSq64(S::home(F1))) | maskOf(toSq64(S::home(G1)));
-        constexpr SquareMask queenSidePath = maskOf(toSq64(S::home(D1))) |
-                                             maskOf(toSq64(S::home(C1))) |
-                                             maskOf(toSq64(S::home(B1)));
+        constexpr SquareMask kingSidePath =
+            maskOf(toSq64(S::home(F1))) | maskOf(toSq64(S::home(G1)));
+        constexpr SquareMask queenSidePath =
+            maskOf(toSq64(S::home(D1))) | maskOf(toSq64(S::home(C1))) | maskOf(toSq64(S::home(B1)));
         constexpr unsigned kingSideKind = Us == White ? 0 : 2;
         addCastling(S::KingSide, kingSidePath, S::home(F1), S::home(G1), kingSideKind);
         addCastling(S::QueenSide, queenSidePath, S::home(D1), S::home(C1), kingSideKind + 1);

@@ -27,8 +27,6 @@ template <Colour Us>
 void generateCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list);
 template <Colour Us>
 unsigned countLegalMoves(const Board_0x88& board);
-/// What pickRandomMove would draw from the list of generateLegalMoves, without making that list.
-Move drawLegalMove(const Board_0x88& board);
 template <Colour Us>
 Move drawLegalMove(const Board_0x88& board);
 
