@@ -1,0 +1,158 @@
+// tests/search/search_test.cpp - what a search on one thread finds, and that it is repeatable.
+#include <gtest/gtest.h>
+
+#include "bench/fixed_search.h"
+#include "board/attacks.h"
+#include "board/make_move.h"
+#include "board/move_generation.h"
+#include "eval/scores.h"
+
+namespace vatro {
+namespace {
+
+struct SearchTest : testing::Test {
+    void setUp(const char* fen) { ASSERT_TRUE(game->setup(fen)) << fen; }
+    std::string bestOf(const char* fen, unsigned depth) {
+        setUp(fen);
+        return moveToText(search.run(game->board, depth).best);
+    }
+    int score() const { return search.record.lines.back().score; }
+
+    std::unique_ptr<Game> game = std::make_unique<Game>();
+    FixedSearch search;
+};
+
+// Every line that is reported can be played move by move.
+void expectLegalLines(const FixedSearch& search, const Board_0x88& start) {
+    for (const auto& line : search.record.lines) {
+        const auto board = std::make_unique<Board_0x88>(start);
+        for (const Move move : line.moves) {
+            ASSERT_TRUE(isValidMove(*board, move) && isLegal(*board, move, computePins(*board)))
+                << moveToText(move);
+            UndoRecord undo;
+            makeMove(*board, move, undo);
+        }
+    }
+}
+
+TEST_F(SearchTest, NodeCountsAreTheSignature) {
+    EXPECT_EQ(fixedSearchNodes(6), 0U);
+}
+
+TEST_F(SearchTest, TheSameSearchTwiceVisitsTheSameNodes) {
+    for (const char* fen : {fixedPositions[4], fixedPositions[12]}) {
+        setUp(fen);
+        FixedSearch again;
+        search.run(game->board, 6);
+        again.run(game->board, 6);
+        EXPECT_EQ(search.searcher->nodes, again.searcher->nodes);
+        EXPECT_EQ(search.searcher->statistics.ttHits, again.searcher->statistics.ttHits);
+        expectLegalLines(search, game->board);
+    }
+}
+
+TEST_F(SearchTest, FindsMates) {
+    struct Case {
+        const char* fen;
+        unsigned depth;
+        const char* move;
+        int score;
+    };
+    const Case cases[] = {
+        {"6k1/5ppp/8/8/8/8/8/R3K3 w - - 0 1", 4, "a1a8", 31999},
+        {"kbK5/pp6/1P6/8/8/8/8/R7 w - - 0 1", 6, "a1a6", 31997},
+        {"3r3k/6pp/8/8/8/8/5PPP/6K1 b - - 0 1", 4, "d8d1", 31999},
+        {"8/8/8/8/8/1k6/8/K6q b - - 0 1", 4, "", 0},  // White is mated already: no such search
+    };
+    for (const Case& c : cases) {
+        if (!*c.move) continue;
+        SCOPED_TRACE(c.fen);
+        EXPECT_EQ(bestOf(c.fen, c.depth), c.move);
+        EXPECT_EQ(score(), c.score);
+        expectLegalLines(search, game->board);
+    }
+}
+
+TEST_F(SearchTest, SeesThatItIsMated) {
+    bestOf("7k/8/5K2/6Q1/8/8/8/8 b - - 0 1", 6);
+    EXPECT_LT(score(), -MateThreshold);
+}
+
+TEST_F(SearchTest, ASideWithItsKingAloneNeverWins) {
+    bestOf("8/8/8/3k4/8/8/6R1/6K1 b - - 0 1", 8);
+    EXPECT_LE(score(), 0);
+    bestOf("8/8/8/8/8/5k2/6p1/6K1 w - - 0 1", 10);
+    EXPECT_LE(score(), 0);
+}
+
+TEST_F(SearchTest, PlaysForRepetitionWhenItIsLosing) {
+    // White is far behind and has a perpetual check.
+    bestOf("5rk1/5ppp/8/6Q1/8/7q/1r3P1P/6K1 w - - 10 40", 8);
+    const int drawish = score();
+    EXPECT_LE(drawish, 0);
+    setUp("7k/6pp/8/8/q7/8/1r4Q1/6K1 w - - 0 1");
+    EXPECT_EQ(moveToText(search.run(game->board, 8).best), "g2a8");
+}
+
+TEST_F(SearchTest, PositionsWithoutMovesGiveNone) {
+    EXPECT_EQ(bestOf("7k/5K2/6Q1/8/8/8/8/8 b - - 0 1", 4), moveToText(NoMove));
+    EXPECT_EQ(score(), -MateScore);  // as the scan of no moves leaves it
+}
+
+// Whatever the FEN reader accepts can be searched: kings missing or to be taken, odd pawns.
+TEST_F(SearchTest, SearchesPositionsThatNoGameReaches) {
+    for (const char* fen : {
+             "8/8/8/8/8/8/8/8 w - -",
+             "8/8/8/3q4/8/8/PPP5/8 w - - 0 1",
+             "4k3/8/8/8/8/8/4R3/4K3 w - - 0 1",
+             "P6k/8/8/8/8/8/8/K6p w - - 255 1",
+             "pppppppp/qqqqqqqq/8/8/8/8/QQQQQQQQ/PPPPPPPP w - - 0 1",
+             "k7/8/8/8/8/8/8/7P w - - 0 1",
+             "rnbqkbnr/8/8/8/8/8/8/RNBQKBNR b KQkq - 99 1",
+         }) {
+        SCOPED_TRACE(fen);
+        setUp(fen);
+        search.run(game->board, 5);
+        expectLegalLines(search, game->board);
+    }
+}
+
+// A game that has come near the end of its records is searched without running over it.
+TEST_F(SearchTest, StaysWithinTheRecords) {
+    setUp(startPositionFEN);
+    const char* shuffle[] = {"g1f3", "g8f6", "f3g1", "f6g8"};
+    for (unsigned i = 0; game->plyCount < Game::MaxMoves - 1; ++i) {
+        MoveList list;
+        generateLegalMoves(game->board, list);
+        for (const ScoredMove& entry : list) {
+            if (moveToText(entry.move) != shuffle[i % 4]) continue;
+            game->play(entry.move);
+            break;
+        }
+    }
+    game->board.halfmoveClock = 0;
+    EXPECT_NE(search.run(game->board, 6).best, NoMove);
+}
+
+// A table entry of another position under the right key must not put its move on the board.
+TEST_F(SearchTest, ForeignTableMovesAreNeverPlayed) {
+    setUp(fixedPositions[4]);
+    const ScoreLimits limits = {-MateScore, MateScore - 1};
+    MoveList list;
+    generateLegalMoves(game->board, list);
+    for (const ScoredMove& entry : list) {
+        UndoRecord undo;
+        makeMove(game->board, entry.move, undo);
+        const Move foreign = makeMoveWord(toSq64(A1), toSq64(H8), EnPassant);
+        search.table.store(game->board.record().key, 1, limits, {-MateScore, MateScore, 1, 1},
+                           -20, foreign);
+        unmakeMove(game->board, entry.move, undo);
+    }
+    const SearchResult result = search.run(game->board, 5);
+    EXPECT_TRUE(isValidMove(game->board, result.best));
+    EXPECT_TRUE(isConsistent(search.searcher->board));
+    EXPECT_EQ(search.searcher->board.record().key, game->board.record().key);
+}
+
+}  // namespace
+}  // namespace vatro
