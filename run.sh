@@ -4,7 +4,7 @@
 # The program starts in this folder: it finds vatro.ini and book.bin here, wherever run.sh is called
 # from. Standard input and output are the engine's alone; what the build says goes to standard error.
 set -e
-cd "$(dirname "$0")"
+cd "$(dirname "$(readlink -f "$0")")"
 . scripts/packages.sh
 
 program=build/vatro

@@ -2,7 +2,7 @@
 # Builds Vatro with its tests and benchmarks in build/ and runs the tests; arguments go to ctest, for
 # example ./test.sh -L fast. VATRO_WERROR=ON takes warnings as errors.
 set -e
-cd "$(dirname "$0")"
+cd "$(dirname "$(readlink -f "$0")")"
 . scripts/packages.sh
 
 need g++ has_program "${CXX:-c++}"
