@@ -69,7 +69,7 @@ if ! is_built || [ ! -e $book ] || [ $games -nt $book ] || [ ! -e book.bin ]; th
     (
         if has_program flock > /dev/null; then flock 9; fi
         prepare
-    ) 9> build/.lock < /dev/null >&2 || {
+    ) 9> build/.lock < /dev/null >&2 || is_built || {
         echo "Vatro could not be built." >&2
         exit 1
     }
