@@ -1,0 +1,64 @@
+// src/egtb/generator/progress.cpp - the progress bar.
+#include "egtb/generator/progress.h"
+
+#include <cstdio>
+#include <unistd.h>
+
+namespace vatro::egtb {
+namespace {
+
+constexpr int BarWidth = 30;
+constexpr std::chrono::milliseconds UpdateInterval{200};
+
+double secondsSince(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+}  // namespace
+
+Progress::Progress(double work) : isTerminal(isatty(STDOUT_FILENO) != 0), totalWork(work) {}
+
+double Progress::taskSeconds() const { return secondsSince(taskStart); }
+
+void Progress::beginTask(const std::string& name, double work) {
+    taskName = name;
+    taskWork = work;
+    taskStart = Clock::now();
+    lastUpdate = taskStart - UpdateInterval;
+    update("", 0);
+}
+
+void Progress::update(const char* step, double part) {
+    if (!isTerminal || Clock::now() - lastUpdate < UpdateInterval) return;
+    lastUpdate = Clock::now();
+    const double done = (workDone + part * taskWork) / totalWork;
+    std::string bar(BarWidth, '.');
+    bar.replace(0, static_cast<std::size_t>(done * BarWidth),
+                static_cast<std::size_t>(done * BarWidth), '#');
+    std::string left = "--:--";
+    // Before that the estimate says nothing.
+    if (done > 0.01) {
+        const int seconds = static_cast<int>(secondsSince(start) * (1 - done) / done);
+        char text[32];
+        std::snprintf(text, sizeof(text), "%d:%02d", seconds / 60, seconds % 60);
+        left = text;
+    }
+    std::printf("\r[%s] %3d%%  %s left  %s  %s\x1b[K", bar.c_str(), static_cast<int>(100 * done),
+                left.c_str(), taskName.c_str(), step);
+    std::fflush(stdout);
+    hasBar = true;
+}
+
+void Progress::clearBar() {
+    if (hasBar) std::printf("\r\x1b[K");
+    hasBar = false;
+}
+
+void Progress::endTask(const std::string& result) {
+    clearBar();
+    workDone += taskWork;
+    std::printf("%-6s %s\n", taskName.c_str(), result.c_str());
+    std::fflush(stdout);
+}
+
+}  // namespace vatro::egtb

@@ -1,0 +1,39 @@
+// src/egtb/generator/progress.h - tells the user how far the work is.
+#pragma once
+
+#include <chrono>
+#include <string>
+
+namespace vatro::egtb {
+
+/// A bar with the time left on a terminal; elsewhere a line for each task done. All lines go to
+/// standard output.
+class Progress {
+  public:
+    /// `totalWork` is the sum of the work of all tasks, in any unit.
+    explicit Progress(double totalWork);
+
+    void beginTask(const std::string& name, double work);
+    /// `part` of the task is done, 0.0 to 1.0.
+    void update(const char* step, double part);
+    /// Ends the task and prints `result` after its name.
+    void endTask(const std::string& result);
+    /// Removes the bar, so that a message can be printed.
+    void clearBar();
+    double taskSeconds() const;
+
+  private:
+    using Clock = std::chrono::steady_clock;
+
+    bool isTerminal;
+    double totalWork;
+    double workDone = 0;
+    double taskWork = 0;
+    std::string taskName;
+    Clock::time_point start = Clock::now();
+    Clock::time_point taskStart = start;
+    Clock::time_point lastUpdate = start;
+    bool hasBar = false;
+};
+
+}  // namespace vatro::egtb
