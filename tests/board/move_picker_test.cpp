@@ -1,0 +1,207 @@
+// The order in which moves are searched. Node counts depend on it to the last swap.
+#include "board/move_picker.h"
+
+#include <algorithm>
+#include <map>
+
+#include "support.h"
+
+namespace vatro {
+namespace {
+
+/// The order that repeated selection gives: each strictly better move met changes places with the
+/// best so far.
+std::vector<Move> selectionOrder(MoveList list) {
+    std::vector<Move> order;
+    for (unsigned i = 0; i < list.count; ++i) {
+        for (unsigned j = i + 1; j < list.count; ++j) {
+            if (list.moves[j].score > list.moves[i].score) std::swap(list.moves[i], list.moves[j]);
+        }
+        order.push_back(list.moves[i].move);
+    }
+    return order;
+}
+
+template <Colour Us>
+std::vector<Move> pickAll(MovePicker& picker) {
+    std::vector<Move> picked;
+    while (const Move move = picker.next<Us>()) {
+        picked.push_back(move);
+    }
+    return picked;
+}
+
+std::vector<Move> pickAll(const Board_0x88& board,
+                          MovePicker::Phase phase,
+                          Move first,
+                          Move second) {
+    MovePicker picker(board, computePins(board), phase);
+    picker.prefer(first, second);
+    return board.sideToMove == White ? pickAll<White>(picker) : pickAll<Black>(picker);
+}
+
+MoveList scoredMoves(const Board_0x88& board) {
+    MoveList list;
+    generateLegalMoves(board, list);
+    board.sideToMove == White ? scoreMoves<White>(board, list) : scoreMoves<Black>(board, list);
+    return list;
+}
+
+TEST(MovePicker, HandsOutPreferredMovesThenTheRestByScoreEachOnce) {
+    TestRandom random(9);
+    const auto check = [&](const Board_0x88& board) {
+        const std::vector<Move> ordered = selectionOrder(scoredMoves(board));
+        if (ordered.empty()) return;
+        const Move first = random.below(3) ? ordered[random.below(ordered.size())] : NoMove;
+        const Move second = random.below(3) ? ordered[random.below(ordered.size())] : NoMove;
+        std::vector<Move> expected;
+        if (first) expected.push_back(first);
+        if (second && second != first) expected.push_back(second);
+        for (const Move move : ordered) {
+            if (move != first && move != second) expected.push_back(move);
+        }
+        ASSERT_EQ(pickAll(board, MovePicker::Phase::AllMoves, first, second), expected)
+            << board.toFEN();
+    };
+    for (const char* fen : richPositions) {
+        for (int game = 0; game < 4; ++game) {
+            forEachRandomPosition(fen, 100, random, check);
+        }
+    }
+}
+
+TEST(MovePicker, CapturesAreSortedByVictimThenAttacker) {
+    TestRandom random(10);
+    for (const char* fen : richPositions) {
+        forEachRandomPosition(fen, 100, random, [](const Board_0x88& board) {
+            MoveList list;
+            generateCaptures(board, computePins(board), list);
+            scoreCaptures(board, list);
+            ASSERT_EQ(pickAll(board, MovePicker::Phase::Captures, NoMove, NoMove),
+                      selectionOrder(list));
+        });
+    }
+    const auto board = boardOf("4k3/8/8/1r1q4/2P1N3/8/8/3RK3 w - - 0 1");
+    std::vector<std::string> texts;
+    for (const Move move : pickAll(*board, MovePicker::Phase::Captures, NoMove, NoMove)) {
+        texts.push_back(moveToText(move));
+    }
+    EXPECT_EQ(texts, (std::vector<std::string>{"c4d5", "d1d5", "c4b5"}));
+}
+
+TEST(MovePicker, NeverHandsOutAMoveThatIsNotLegalHere) {
+    testing::internal::CaptureStdout();
+    TestRandom random(12);
+    for (const char* fen : richPositions) {
+        forEachRandomPosition(fen, 20, random, [&](const Board_0x88& board) {
+            const std::vector<Move> legal = selectionOrder(scoredMoves(board));
+            for (int i = 0; i < 50; ++i) {
+                const auto first = static_cast<Move>(random.below(0x10000));
+                const auto second = static_cast<Move>(random.below(0x10000));
+                std::vector<Move> picked =
+                    pickAll(board, MovePicker::Phase::AllMoves, first, second);
+                ASSERT_TRUE(
+                    std::is_permutation(picked.begin(), picked.end(), legal.begin(), legal.end()))
+                    << board.toFEN() << ' ' << first << ' ' << second;
+            }
+        });
+    }
+    testing::internal::GetCapturedStdout();
+}
+
+TEST(MovePicker, SaysThatATableMoveDoesNotFit) {
+    testing::internal::CaptureStdout();
+    const auto board = boardOf(startPositionFEN);
+    pickAll(*board, MovePicker::Phase::AllMoves, NoMove, makeMoveWord(12, 36));
+    EXPECT_EQ(testing::internal::GetCapturedStdout().rfind("# hash collision:  e2e5 ", 0), 0U);
+}
+
+TEST(MoveScores, FollowTheirFormulas) {
+    struct Case {
+        const char* fen;
+        const char* move;
+        int score;
+    };
+    const Case cases[] = {
+        {"4k3/8/8/3p4/4P3/8/8/4K3 w - - 0 1", "e4d5", 8 * 8 - 1 + 1000},  // pawn takes pawn
+        {"4k3/8/8/3pP3/8/8/8/4K3 w - d6 0 1", "e5d6", 64 - 1 + 1000},     // en passant
+        {"8/4P3/8/8/8/8/k7/4K3 w - - 0 1", "e7e8q", 4 * 8 - 1 + 1000},    // promotion
+        {"3r4/4P3/8/8/8/8/k7/4K3 w - - 0 1", "e7d8n", (2 + 24) * 8 - 1 + 1000},
+        {"4k3/8/4p3/3p4/8/8/3Q4/4K3 w - - 0 1", "d2d5", 8 * 8 - 4 - 50},  // a defended pawn
+        {"4k3/8/8/3p4/8/8/3Q4/4K3 w - - 0 1", "d2d5", 8 * 8 - 4 + 1000},
+    };
+    for (const Case& c : cases) {
+        const auto board = boardOf(c.fen);
+        const MoveList list = scoredMoves(*board);
+        const auto* found = std::find_if(list.begin(), list.end(), [&](const ScoredMove& entry) {
+            return moveToText(entry.move) == c.move;
+        });
+        ASSERT_NE(found, list.end()) << c.fen;
+        EXPECT_EQ(found->score, c.score) << c.fen;
+    }
+}
+
+TEST(MoveScores, KillersOfThisPlyAndTheOneAfterNextComeBeforeQuietMoves) {
+    const auto board = boardOf(startPositionFEN);
+    board->record().killers[1] = findMove(*board, "h2h3");
+    board->plyRecords[2].killers[0] = findMove(*board, "b1a3");
+    board->plyRecords[1].killers[0] = findMove(*board, "a2a3");  // the other side's
+    std::map<std::string, int> scores;
+    for (const ScoredMove& entry : scoredMoves(*board)) {
+        scores[moveToText(entry.move)] = entry.score;
+    }
+    EXPECT_EQ(scores["h2h3"], 150 - 1);
+    EXPECT_EQ(scores["b1a3"], 150 - 2);
+    EXPECT_LT(scores["a2a3"], 140);
+    board->ply = PlyRecordCount - 1;  // no record two plies on
+    board->record() = {};
+    for (const ScoredMove& entry : scoredMoves(*board)) {
+        EXPECT_LT(entry.score, 140);
+    }
+}
+
+TEST(BadCapture, LooksAtPawnAndKnightDefenders) {
+    struct Case {
+        const char* why;
+        const char* fen;
+        const char* move;
+        bool bad;
+        int gain;
+    };
+    const Case cases[] = {
+        {"equal trade", "4k3/8/4p3/3n4/8/2N5/8/4K3 w - - 0 1", "c3d5", false, 400},
+        {"bishop and knight are equal", "4k3/8/4p3/3n4/8/1B6/8/4K3 w - - 0 1", "b3d5", false, 400},
+        {"defended by a pawn", "4k3/8/4p3/3p4/8/2N5/8/4K3 w - - 0 1", "c3d5", true, 125},
+        {"a pawn beside does not defend", "4k3/8/8/3pp3/8/2N5/8/4K3 w - - 0 1", "c3d5", false, 125},
+        {"rook takes a pawn that a knight defends", "4k3/8/5n2/3p4/8/8/8/3RK3 w - - 0 1", "d1d5",
+         true, 125},
+        {"bishop takes it", "4k3/8/5n2/3p4/8/1B6/8/4K3 w - - 0 1", "b3d5", false, 125},
+        {"rook takes a bishop that a knight defends", "4k3/8/5n2/3b4/8/8/8/3RK3 w - - 0 1", "d1d5",
+         false, 400},
+        {"queen takes it", "4k3/8/5n2/3b4/8/8/8/3QK3 w - - 0 1", "d1d5", true, 400},
+        {"queen takes queen", "4k3/8/5n2/3q4/8/8/8/3QK3 w - - 0 1", "d1d5", false, 1125},
+        {"queen takes rook, pawn defends", "4k3/8/4p3/3r4/8/8/8/3QK3 w - - 0 1", "d1d5", true, 600},
+        {"promotion", "3r4/4P3/8/8/8/8/k7/4K3 w - - 0 1", "e7d8q", false, 1000},
+        {"underpromotion", "8/4P3/8/8/8/8/k7/4K3 w - - 0 1", "e7e8n", false, 275},
+        {"en passant", "4k3/2p5/8/3pP3/8/8/8/4K3 w - d6 0 1", "e5d6", false, 125},
+        {"castling", "4k3/8/8/8/8/8/8/4K2R w K - 0 1", "e1g1", false, -7},  // stays as it was
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        std::string move = c.move;
+        std::string fen = c.fen;
+        for (int side = 0; side < 2; ++side) {
+            const auto board = boardOf(fen);
+            int gain = -7;
+            ASSERT_NE(findMove(*board, move), NoMove) << fen;
+            EXPECT_EQ(isBadCapture(*board, findMove(*board, move), gain), c.bad) << fen;
+            EXPECT_EQ(gain, c.gain) << fen;
+            fen = mirroredFEN(fen);
+            move[1] = static_cast<char>('1' + '8' - move[1]);
+            move[3] = static_cast<char>('1' + '8' - move[3]);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace vatro
