@@ -1,14 +1,14 @@
 // src/board/hash_table.h - the memory of a hash table: a power of two of zeroed entries.
 //
-// The memory comes zeroed from the system and is not touched before it is used, so that a large
-// table costs nothing at start-up.
+// The memory is not touched before it is used, so that a large table costs nothing at start-up.
 #pragma once
 
 #include <algorithm>
 #include <bit>
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
+#include <utility>
+
+#include "board/table_memory.h"
 
 namespace vatro {
 
@@ -21,12 +21,10 @@ class HashTable {
     [[nodiscard]] bool resize(unsigned megabytes) {
         const std::uint64_t bytes = std::uint64_t{megabytes} << 20;
         const std::uint64_t count = std::bit_floor(bytes / sizeof(Entry));
-        // One more entry, so that the first can stand on a boundary of its own size.
-        void* fresh = std::calloc(count + 1, sizeof(Entry));
-        if (!fresh) return false;
-        memory.reset(fresh);
-        std::size_t space = (count + 1) * sizeof(Entry);
-        first = static_cast<Entry*>(std::align(alignof(Entry), count * sizeof(Entry), fresh, space));
+        TableMemory fresh(static_cast<std::size_t>(count * sizeof(Entry)));
+        if (!fresh.data()) return false;
+        memory = std::move(fresh);
+        first = static_cast<Entry*>(memory.data());
         entries = static_cast<std::uint32_t>(count);
         return true;
     }
@@ -55,10 +53,7 @@ class HashTable {
     }
 
   private:
-    struct Free {
-        void operator()(void* pointer) const { std::free(pointer); }
-    };
-    std::unique_ptr<void, Free> memory;
+    TableMemory memory;
     Entry* first = nullptr;
     std::uint32_t entries = 0;
 };
