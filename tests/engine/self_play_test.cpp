@@ -1,0 +1,200 @@
+// tests/engine/self_play_test.cpp - timed games of the built engine against itself.
+//
+// A referee plays the interface: it keeps the clocks, checks every move and every result with the
+// board's rules, and takes any other line than the protocol's for a fault.
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <random>
+
+#include <gtest/gtest.h>
+
+#include "board/attacks.h"
+#include "board/draw.h"
+#include "board/game.h"
+#include "board/move_generation.h"
+#include "engine/session.h"
+
+namespace vatro::test {
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define VATRO_IS_SANITIZED
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define VATRO_IS_SANITIZED
+#endif
+#endif
+#ifdef VATRO_IS_SANITIZED
+constexpr int Slowdown = 4;  // of a sanitized engine: more time, fewer games
+constexpr unsigned WholeGames = 4;
+#else
+constexpr int Slowdown = 1;
+constexpr unsigned WholeGames = 20;
+#endif
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+struct Match {
+    int movesPerSession;
+    int baseSeconds;
+    int incrementSeconds;
+    int cores;
+};
+
+class Referee {
+  public:
+    Referee(const Match& rules, unsigned seed) : match(rules), random(seed) {
+        for (auto& engine : engines) {
+            engine = std::make_unique<Session>(Lines{"-cores", std::to_string(match.cores)});
+        }
+        EXPECT_TRUE(game->setup(startPositionFEN));
+    }
+
+    /// Plays one game; the result line, empty after a failure.
+    std::string play();
+
+  private:
+    Session& toMove() { return *engines[game->board.sideToMove]; }
+    Session& other() { return *engines[game->board.sideToMove ^ 1]; }
+    void openGame();
+    std::string result();
+    Move readMove();
+    Move findMove(const std::string& text);
+    bool expectResult(Session& engine, const std::string& line);
+
+    const Match match;
+    std::mt19937 random;
+    std::array<std::unique_ptr<Session>, ColourCount> engines;
+    std::array<milliseconds, ColourCount> clocks{};
+    std::unique_ptr<Game> game = std::make_unique<Game>();
+    bool drawOffered = false;
+};
+
+Move Referee::findMove(const std::string& text) {
+    MoveList list;
+    generateLegalMoves(game->board, list);
+    for (const ScoredMove& entry : list) {
+        if (moveToText(entry.move) == text) return entry.move;
+    }
+    return NoMove;
+}
+
+/// Four random moves, so that no two games are alike.
+void Referee::openGame() {
+    std::string moves;
+    for (int i = 0; i < 4; ++i) {
+        MoveList list;
+        generateLegalMoves(game->board, list);
+        const Move move = list.moves[random() % list.count].move;
+        moves += "\nusermove " + moveToText(move);
+        game->play(move);
+    }
+    const std::string level = "level " + std::to_string(match.movesPerSession) +
+                              " 0:" + std::to_string(match.baseSeconds) + ' ' +
+                              std::to_string(match.incrementSeconds);
+    for (const auto& engine : engines) {
+        EXPECT_EQ(Lines(), engine->answersTo("new\n" + level + "\nforce" + moves));
+    }
+    clocks.fill(std::chrono::seconds(match.baseSeconds));
+}
+
+/// What the rules say about the position; a draw that has to be claimed is claimed.
+std::string Referee::result() {
+    MoveList list;
+    generateLegalMoves(game->board, list);
+    if (list.count == 0) {
+        if (!inCheck(game->board)) return "1/2-1/2 {Stalemate}";
+        return game->board.sideToMove == White ? "0-1 {Black wins by checkmate}"
+                                               : "1-0 {White wins by checkmate}";
+    }
+    DrawReason reason;
+    if (!isDraw(game->board, reason)) return {};
+    if (reason == DrawReason::InsufficientMaterial)
+        return "1/2-1/2 {Draw by insufficient material}";
+    return reason == DrawReason::None ? "" : "claimed draw";
+}
+
+/// Reads the engine's lines up to its move, which must be legal; NoMove after a fault.
+Move Referee::readMove() {
+    drawOffered = false;
+    milliseconds& clock = clocks[game->board.sideToMove];
+    const milliseconds before = clock;
+    const Clock::time_point start = Clock::now();
+    std::string report;  // of the engine's thinking
+    while (const auto line = toMove().process.readLine(Session::Patience)) {
+        report += *line + '\n';
+        if (line->starts_with("move ")) {
+            clock -= std::chrono::duration_cast<milliseconds>(Clock::now() - start);
+            EXPECT_GE(clock.count(), 0) << "lost on time, had " << before.count() << '\n' << report;
+            const Move move = findMove(line->substr(5));
+            EXPECT_NE(NoMove, move) << *line << " in " << game->board.toFEN();
+            return move;
+        }
+        if (*line == "offer draw") {
+            drawOffered = true;
+        } else if (!line->starts_with('#') && !std::isdigit(line->front())) {
+            ADD_FAILURE() << "unexpected: " << *line;
+            return NoMove;
+        }
+    }
+    ADD_FAILURE() << "no move in " << game->board.toFEN();
+    return NoMove;
+}
+
+bool Referee::expectResult(Session& engine, const std::string& line) {
+    const Lines answers = engine.answersTo("");
+    const auto found = std::count(answers.begin(), answers.end(), line);
+    EXPECT_EQ(line == "claimed draw" ? 0 : 1, found) << line;
+    return !testing::Test::HasFailure();
+}
+
+std::string Referee::play() {
+    openGame();
+    std::string line = "go";
+    for (;;) {
+        const int side = game->board.sideToMove;
+        Session& engine = toMove();
+        for (const int colour : {side, side ^ 1}) {
+            engine.send((colour == side ? "time " : "otim ") +
+                        std::to_string(clocks[colour].count() / 10));
+        }
+        engine.send(line);
+        const Move move = readMove();
+        if (move == NoMove || testing::Test::HasFailure()) return {};
+        game->play(move);
+        clocks[side] += std::chrono::seconds(match.incrementSeconds);
+        const unsigned fullMoves = (game->plyCount + 1) / 2;
+        if (match.movesPerSession && fullMoves % match.movesPerSession == 0) {
+            clocks[side] += std::chrono::seconds(match.baseSeconds);
+        }
+        const std::string ending = result();
+        EXPECT_EQ(ending == "claimed draw", drawOffered) << game->board.toFEN();
+        // The other engine takes the side to move with its first move of the game.
+        line = "usermove " + moveToText(move);
+        if (game->plyCount == 5) line = "force\n" + line + "\ngo";
+        if (ending.empty()) continue;
+        // Here the engine that made the move comes second: the side to move has changed.
+        toMove().send("force\nusermove " + moveToText(move));
+        return expectResult(other(), ending) && expectResult(toMove(), ending) ? ending
+                                                                               : std::string();
+    }
+}
+
+class SelfPlay : public testing::TestWithParam<unsigned> {};
+
+TEST_P(SelfPlay, PlaysACompleteGame) {
+    // A tenth of what is left stays on the clock for a session's last move: it has to outlast the
+    // stalls of a busy machine.
+    const Match session = {20, 10, 0, 2};
+    const Match wholeGame = {0, 2 * Slowdown, 0, GetParam() % 4 == 3 ? 2 : 1};
+    Referee referee(GetParam() == WholeGames ? session : wholeGame, GetParam());
+    const std::string result = referee.play();
+    EXPECT_FALSE(result.empty());
+    RecordProperty("result", result);
+}
+INSTANTIATE_TEST_SUITE_P(Games, SelfPlay, testing::Range(0U, WholeGames + 1));
+
+}  // namespace
+}  // namespace vatro::test

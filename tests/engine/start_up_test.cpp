@@ -1,0 +1,99 @@
+// tests/engine/start_up_test.cpp - what the program says before its first command.
+#include <gtest/gtest.h>
+
+#include "engine/session.h"
+
+namespace vatro::test {
+namespace {
+
+constexpr char banner[] =
+    "# Vatro 0.6.62\n"
+    "# a chess engine for XBoard and the terminal\n"
+    "# \n"
+    "feature done=0\n";
+
+constexpr char startBoard[] =
+    "# rnbqkbnr\n# pppppppp\n# ........\n# ........\n# ........\n# ........\n# PPPPPPPP\n# "
+    "RNBQKBNR\n"
+    "#\n";
+
+std::string outputToPrompt(const Lines& args, std::string_view configuration) {
+    Session session(args, configuration, true);
+    return session.process.readUntil("# Your move: ", Session::Patience);
+}
+
+TEST(StartUp, PrintsBannerTablesBoardAndPrompt) {
+    EXPECT_EQ(std::string(banner) +
+                  "# new size of TT hash: 256 MB\n# new size of Pawn hash: 32 MB\n" + startBoard +
+                  "# Your move: ",
+              outputToPrompt({}, ""));
+}
+
+TEST(StartUp, ReadsTheFileBeforeTheBannerAndTheCommandLineAfterIt) {
+    const std::string output =
+        outputToPrompt({"-cores", "0", "-fast", "-cores", "1", "-cores"},
+                       "numberOfCores = 1\nttHashSizeMB=4096\npawnHashSizeMB = \"3\"\n");
+    const std::size_t bannerAt = output.find(banner);
+    ASSERT_NE(std::string::npos, bannerAt) << output;
+    const std::string before = output.substr(0, bannerAt);
+    EXPECT_TRUE(before.starts_with("# will now use 1 cores (requested=1, current=0, max="));
+    EXPECT_TRUE(before.ends_with(
+        "# WARNING: ttHashSizeMB = 4096 out of range in ini file (min = 1, max = 2048)\n"));
+    const std::string after = output.substr(bannerAt + sizeof banner - 1);
+    EXPECT_TRUE(after.starts_with(
+        "# warning: found bad argument \"0\" for command line option \"-cores\", must be a "
+        "positive number\n# warning: found unknown command line option \"-fast\"\n"
+        "# will now use 1 cores (requested=1, current=0, max="))
+        << after;
+    EXPECT_NE(std::string::npos,
+              after.find("# warning: missing argument for command line option \"-cores\"\n"
+                         "# new size of TT hash: 256 MB\n# new size of Pawn hash: 2 MB\n"))
+        << after;
+}
+
+TEST(StartUp, SurvivesAnyConfigurationFile) {
+    std::string binary;
+    for (int i = 0; i < 100000; ++i) {
+        binary += static_cast<char>((i * 7919) >> 3);
+    }
+    const std::string oneLine(20'000'000, 'x');
+    for (const std::string& content : {binary, oneLine, std::string("=\n=\n\n#\n\"=\"\"\n")}) {
+        EXPECT_TRUE(outputToPrompt({}, content).ends_with("# Your move: "));
+    }
+    Session session({}, "", true);
+    session.process.readUntil("# Your move: ", Session::Patience);
+    std::filesystem::create_directory(session.directory.path / "vatro.ini");
+    ChildProcess inDirectory({VATRO_PROGRAM}, session.directory.path.string());
+    EXPECT_TRUE(
+        inDirectory.readUntil("# Your move: ", Session::Patience).ends_with("# Your move: "));
+}
+
+TEST(Features, ComeInOrderWithTheCurrentValues) {
+    Session session;
+    session.answersTo("option gtbCacheSizeMB=0\noption bookFilePath=my.bin\negtpath gaviota here");
+    const Lines expected = {"feature ping=1",
+                            "feature setboard=1",
+                            "feature playother=1",
+                            "feature usermove=1",
+                            "feature colors=0",
+                            "feature sigint=0",
+                            "feature sigterm=0",
+                            "feature analyze=1",
+                            "feature name=0",
+                            "feature nps=0",
+                            "feature debug=1",
+                            "feature egt=\"gaviota\"",
+                            "feature smp=1",
+                            "feature variants=\"normal\"",
+                            "feature option=\"ttHashSizeMB -spin 4 1 2048\"",
+                            "feature option=\"pawnHashSizeMB -spin 1 1 2048\"",
+                            "feature option=\"gtbCacheSizeMB -spin 0 0 256\"",
+                            "feature option=\"gtbPath -path here\"",
+                            "feature option=\"bookFilePath -path my.bin\"",
+                            "feature myname=\"Vatro 0.6.62\"",
+                            "feature done=1"};
+    EXPECT_EQ(expected, session.answersTo("protover 2"));
+}
+
+}  // namespace
+}  // namespace vatro::test
