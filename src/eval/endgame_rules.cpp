@@ -1,6 +1,9 @@
 // eval/endgame_rules.cpp - endings of four pieces that are hard or impossible to win.
 #include "eval/endgame_rules.h"
 
+#include <algorithm>
+#include <initializer_list>
+
 #include "board/geometry.h"
 #include "board/side.h"
 #include "board/types.h"
@@ -8,14 +11,13 @@
 namespace vatro {
 namespace {
 
-// Signatures of a side that has its king and the pieces named.
-constexpr std::uint32_t bareKing = materialSignature(0, 0, 0, 0, 0, 1);
-constexpr std::uint32_t onePawn = materialSignature(1, 0, 0, 0, 0, 2);
-constexpr std::uint32_t oneKnight = materialSignature(0, 1, 0, 0, 0, 2);
-constexpr std::uint32_t oneBishop = materialSignature(0, 0, 1, 0, 0, 2);
-constexpr std::uint32_t oneRook = materialSignature(0, 0, 0, 1, 0, 2);
-constexpr std::uint32_t oneQueen = materialSignature(0, 0, 0, 0, 1, 2);
-constexpr std::uint32_t bishopAndPawn = materialSignature(1, 0, 1, 0, 0, 3);
+/// Whether a side has its king and the pieces named, and nothing else.
+bool hasOnly(const Board_0x88& board, Colour colour, std::initializer_list<PieceType> pieces) {
+    for (const PieceType piece : pieces) {
+        if (board.count(colour, piece) != 1) return false;
+    }
+    return board.hasKing(colour) && board.totalCount(colour) == static_cast<int>(pieces.size()) + 1;
+}
 
 // Percentages. Tuned; no derivation.
 constexpr int RookAgainstBishop = 25;
@@ -71,23 +73,27 @@ int queenAgainstPawnScale(const Board_0x88& board) {
 
 /// The rule for `Us` as the stronger side.
 template <Colour Us>
-int ruleFor(const Board_0x88& board, const MaterialInfo& material) {
+int ruleFor(const Board_0x88& board) {
     constexpr Colour Them = Side<Us>::Them;
-    const std::uint32_t ours = material.signature[Us];
-    const std::uint32_t theirs = material.signature[Them];
-    if (ours == oneRook && theirs == oneBishop) return RookAgainstBishop;
-    if (ours == oneRook && theirs == oneKnight) return RookAgainstKnight;
-    if (ours == bishopAndPawn && theirs == bareKing) return bishopAndPawnScale<Us>(board);
-    if (ours == oneQueen && theirs == onePawn) return queenAgainstPawnScale<Them>(board);
+    if (hasOnly(board, Us, {Rook})) {
+        if (hasOnly(board, Them, {Bishop})) return RookAgainstBishop;
+        if (hasOnly(board, Them, {Knight})) return RookAgainstKnight;
+    }
+    if (hasOnly(board, Us, {Bishop, Pawn}) && hasOnly(board, Them, {})) {
+        return bishopAndPawnScale<Us>(board);
+    }
+    if (hasOnly(board, Us, {Queen}) && hasOnly(board, Them, {Pawn})) {
+        return queenAgainstPawnScale<Them>(board);
+    }
     return FullScale;
 }
 
 }  // namespace
 
-int endgameRule(const Board_0x88& board, const MaterialInfo& material) {
+int endgameRule(const Board_0x88& board) {
     if (board.totalCount() != EndgamePieces) return FullScale;
     // No two rules, nor one for both sides, can hold at once.
-    return std::min(ruleFor<White>(board, material), ruleFor<Black>(board, material));
+    return std::min(ruleFor<White>(board), ruleFor<Black>(board));
 }
 
 }  // namespace vatro

@@ -13,7 +13,7 @@ constexpr int EndgamePieces = 4;  // the rules know endings of so many pieces, k
 
 /// The percentage of the score that an ending hard or impossible to win is worth; FullScale for
 /// all others. Only positions of four pieces are examined.
-int endgameRule(const Board_0x88& board, const MaterialInfo& material);
+int endgameRule(const Board_0x88& board);
 
 /// The percentage, 0 to 100, by which the score is multiplied; 0 when nobody can win.
 inline int scaleFactor(const Board_0x88& board, const MaterialInfo& material) {
@@ -22,7 +22,7 @@ inline int scaleFactor(const Board_0x88& board, const MaterialInfo& material) {
     const int fiftyScale = (10000 - clock * clock) / 100;
     if (board.totalCount() > EndgamePieces) [[likely]]
         return fiftyScale;
-    return std::min(endgameRule(board, material), fiftyScale);
+    return std::min(endgameRule(board), fiftyScale);
 }
 
 }  // namespace vatro

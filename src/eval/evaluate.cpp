@@ -46,15 +46,27 @@ PawnStructure findPawnStructure(const Board_0x88& board,
 /// The terms of one colour that are tapered together.
 template <Colour Us, typename Breakdown>
 ScoreSum positionalTerms(const Board_0x88& board,
-                         const MaterialInfo& material,
                          const PawnStructure& pawns,
                          Breakdown& breakdown) {
     const ScoreSum pieces = pieceTerms<Us>(board, pawns, breakdown);
     const ScoreSum passed = passedPawnTerms<Us>(board);
-    const ScoreSum safety = kingSafetyTerms<Us>(board, material, pawns.openFiles);
+    const ScoreSum safety = kingSafetyTerms<Us>(board, pawns.openFiles);
     breakdown.add(EvalRow::PassedPawns, Us, passed);
     breakdown.add(EvalRow::KingSafety, Us, safety);
     return pieces + passed + safety;
+}
+
+/// White's lead in all that the lazy cut leaves out.
+template <typename Breakdown>
+[[gnu::noinline]] int positionalLead(const Board_0x88& board,
+                                     int phase,
+                                     PawnHashTable& pawnHash,
+                                     std::uint64_t& pawnHashHits,
+                                     Breakdown& breakdown) {
+    const PawnStructure pawns = findPawnStructure(board, pawnHash, pawnHashHits, breakdown);
+    const ScoreSum white = positionalTerms<White>(board, pawns, breakdown);
+    const ScoreSum black = positionalTerms<Black>(board, pawns, breakdown);
+    return taper(white, phase) + taper(pawns.score, phase) - taper(black, phase);
 }
 
 template <typename Breakdown>
@@ -69,7 +81,8 @@ int evaluatePosition(const Board_0x88& board,
     const int scale = scaleFactor(board, material);
     if (scale == 0) return DrawScore;
     // 2. Without pawns other things count.
-    if (!material.hasPawns()) return pawnlessEvaluation(board, material, breakdown);
+    if (board.count(White, Pawn) + board.count(Black, Pawn) == 0)
+        return pawnlessEvaluation(board, material, breakdown);
 
     // 3. Material and piece-square values, from the point of view of the side to move.
     const Colour mover = board.toMove();
@@ -92,10 +105,7 @@ int evaluatePosition(const Board_0x88& board,
     }
 
     // 5. Pawns, and the terms of both colours.
-    const PawnStructure pawns = findPawnStructure(board, pawnHash, pawnHashHits, breakdown);
-    const ScoreSum white = positionalTerms<White>(board, material, pawns, breakdown);
-    const ScoreSum black = positionalTerms<Black>(board, material, pawns, breakdown);
-    const int lead = taper(white, phase) + taper(pawns.score, phase) - taper(black, phase);
+    const int lead = positionalLead(board, phase, pawnHash, pawnHashHits, breakdown);
     int total = lazy + std::clamp(forMover(lead), -PositionalLimit, PositionalLimit);
 
     // 6. Who cannot win is never ahead.

@@ -8,7 +8,6 @@
 #include "board/board.h"
 #include "board/side.h"
 #include "board/sliding_attacks.h"
-#include "eval/material.h"
 #include "eval/pawn_masks.h"
 #include "eval/score_sum.h"
 
@@ -44,13 +43,12 @@ unsigned shelterIndex(SquareMask pawns, int kingSq64) {
 }
 
 template <Colour Us>
-ScoreSum kingSafetyTerms(const Board_0x88& board,
-                         const MaterialInfo& material,
-                         unsigned openFiles) {
+ScoreSum kingSafetyTerms(const Board_0x88& board, unsigned openFiles) {
     if (!board.hasKing(Us)) return {};
     const int king = toSq64(board.kingSquare(Us));
     const int gaps = kingShelterTable[shelterIndex<Us>(board.pieceMask[Us][Pawn], king)];
-    const int heavy = std::min(MaxHeavyPieces, material.heavyPieces(Side<Us>::Them));
+    constexpr Colour Them = Side<Us>::Them;
+    const int heavy = std::min(MaxHeavyPieces, board.count(Them, Rook) + board.count(Them, Queen));
     const unsigned kingFile = 1U << fileOf64(king);
     const int onFile = countSquares(openFiles & kingFile);
     const int besideFile = countSquares(openFiles & filesBeside(kingFile));

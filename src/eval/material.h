@@ -5,7 +5,6 @@
 #pragma once
 
 #include <algorithm>
-#include <cstdint>
 
 #include "board/board.h"
 #include "board/types.h"
@@ -14,27 +13,10 @@
 namespace vatro {
 
 struct MaterialInfo {
-    /// Counts by colour, four bits each from the lowest: pawns, knights, bishops, rooks, queens,
-    /// minor pieces, rooks and queens, all pieces with the king minus 1.
-    std::uint32_t signature[ColourCount];
     int phase;           // 0 to FullPhase
     ScorePair material;  // White's minus Black's
     bool canWin[ColourCount];
-
-    bool hasPawns() const { return ((signature[White] | signature[Black]) & 15) != 0; }
-    /// Rooks and queens of a colour.
-    int heavyPieces(Colour colour) const { return (signature[colour] >> 24) & 15; }
 };
-
-constexpr std::uint32_t materialSignature(unsigned pawns,
-                                          unsigned knights,
-                                          unsigned bishops,
-                                          unsigned rooks,
-                                          unsigned queens,
-                                          unsigned total) {
-    return pawns | (knights << 4) | (bishops << 8) | (rooks << 12) | (queens << 16) |
-           ((knights + bishops) << 20) | ((rooks + queens) << 24) | ((total - 1) << 28);
-}
 
 // Tuned; no derivation.
 constexpr ScoreSum pawnValue{127, 100};
@@ -47,31 +29,40 @@ constexpr ScoreSum knightPerExtraPawn{7, 6};    // for each own pawn above five;
 constexpr ScoreSum rookPerExtraPawn{-15, -12};  // signs turn
 constexpr int UsualPawns = 5;
 
-inline MaterialInfo computeMaterial(const Board_0x88& board) {
-    MaterialInfo info;
-    ScoreSum values[ColourCount];
-    int phase = 0;
-    for (const Colour colour : {White, Black}) {
-        const std::uint8_t* counts = board.pieceLists[colour].counts;
-        const int pawns = counts[Pawn];
-        const int knights = counts[Knight];
-        const int bishops = counts[Bishop];
-        const int rooks = counts[Rook];
-        const int queens = counts[Queen];
-        info.signature[colour] =
-            materialSignature(pawns, knights, bishops, rooks, queens, counts[PieceList::Total]);
-        phase += knights + bishops + 2 * rooks + 4 * queens;
-        values[colour] =
-            pawns * pawnValue + knights * knightValue + bishops * bishopValue + rooks * rookValue +
-            queens * queenValue + static_cast<int>(bishops > 1) * bishopPairBonus +
-            (pawns - UsualPawns) * (knights * knightPerExtraPawn + rooks * rookPerExtraPawn);
-        // Three minor pieces, or two of which one is a bishop.
-        const bool minorsCanWin = knights + bishops + static_cast<int>(bishops > 0) >= 3;
-        info.canWin[colour] = (pawns | rooks | queens) != 0 || minorsCanWin;
+/// Whether a colour still has mating material: a pawn, a rook or a queen; three minor pieces, or
+/// two of which one is a bishop.
+inline bool canMate(const Board_0x88& board, Colour colour) {
+    if (board.count(colour, Pawn) + board.count(colour, Rook) + board.count(colour, Queen)) {
+        return true;
     }
-    info.phase = std::min(FullPhase, phase);
-    info.material = (values[White] - values[Black]).pair();
-    return info;
+    const int bishops = board.count(colour, Bishop);
+    const int minors = board.count(colour, Knight) + bishops;
+    return minors >= 3 || (minors == 2 && bishops >= 1);
+}
+
+/// What goes beyond the plain values of a colour's pieces.
+inline ScoreSum materialAdjustment(const Board_0x88& board, Colour colour) {
+    const ScoreSum perExtraPawn = board.count(colour, Knight) * knightPerExtraPawn +
+                                  board.count(colour, Rook) * rookPerExtraPawn;
+    const ScoreSum adjustment = (board.count(colour, Pawn) - UsualPawns) * perExtraPawn;
+    return board.count(colour, Bishop) > 1 ? adjustment + bishopPairBonus : adjustment;
+}
+
+inline MaterialInfo computeMaterial(const Board_0x88& board) {
+    const auto both = [&](PieceType type) {
+        return board.count(White, type) + board.count(Black, type);
+    };
+    const auto lead = [&](PieceType type) {
+        return board.count(White, type) - board.count(Black, type);
+    };
+    const int phase = both(Knight) + both(Bishop) + 2 * both(Rook) + 4 * both(Queen);
+    const ScoreSum material = lead(Pawn) * pawnValue + lead(Knight) * knightValue +
+                              lead(Bishop) * bishopValue + lead(Rook) * rookValue +
+                              lead(Queen) * queenValue + materialAdjustment(board, White) -
+                              materialAdjustment(board, Black);
+    return {std::min(FullPhase, phase),
+            material.pair(),
+            {canMate(board, White), canMate(board, Black)}};
 }
 
 }  // namespace vatro

@@ -41,16 +41,17 @@ SquareMask attacksFrom(int sq64, SquareMask occupied) {
 
 /// The mobility of all pieces of a type; their tropism is added to `tropism`.
 template <Colour Us, PieceType Type>
-ScoreSum mobility(const Board_0x88& board, ScoreSum& tropism) {
+ScoreSum mobility(const Board_0x88& board, const KingTropism& towards, ScoreSum& tropism) {
     const SquareMask occupied = board.occupied();
     const SquareMask targets = ~board.pieceMask[Us][NoPiece];
-    const Square enemyKing = board.kingSquare(Side<Us>::Them);
     ScoreSum score;
+    int attacked = 0;
     for (SquareMask pieces = board.pieceMask[Us][Type]; pieces; pieces &= pieces - 1) {
         const int sq64 = lowestSquare(pieces);
         score += mobilityTerms[Type][countSquares(attacksFrom<Type>(sq64, occupied) & targets)];
-        tropism += tropismTerm(Type, toSquare(sq64), enemyKing);
+        attacked += towards.attacked(Type, sq64);
     }
+    tropism += attacked * tropismWeight[Type];
     return score;
 }
 
@@ -83,17 +84,19 @@ ScoreSum queenFileTerms(const Board_0x88& board, const PawnStructure& pawns, uns
 template <Colour Us, typename Breakdown>
 ScoreSum pieceTerms(const Board_0x88& board, const PawnStructure& pawns, Breakdown& breakdown) {
     constexpr Colour Them = Side<Us>::Them;
-    const Square enemyKing = board.kingSquare(Them);
+    const KingTropism& towards = tropismTowards(board, Them);
     const unsigned kingFile = filesOf(board.pieceMask[Them][King]);  // none without a king
 
-    ScoreSum tropism = pawnTropismTerms<Us>(board.pieceMask[Us][Pawn], enemyKing);
-    if (board.hasKing(Us)) tropism += tropismTerm(King, board.kingSquare(Us), enemyKing);
-    const ScoreSum knights = mobility<Us, Knight>(board, tropism);
-    const ScoreSum bishops = mobility<Us, Bishop>(board, tropism);
+    ScoreSum tropism = pawnTropism<Us>(board.pieceMask[Us][Pawn], towards);
+    if (board.hasKing(Us)) {
+        tropism += towards.attacked(King, toSq64(board.kingSquare(Us))) * tropismWeight[King];
+    }
+    const ScoreSum knights = mobility<Us, Knight>(board, towards, tropism);
+    const ScoreSum bishops = mobility<Us, Bishop>(board, towards, tropism);
     const ScoreSum rooks =
-        mobility<Us, Rook>(board, tropism) + rookFileTerms<Us>(board, pawns, kingFile);
+        mobility<Us, Rook>(board, towards, tropism) + rookFileTerms<Us>(board, pawns, kingFile);
     const ScoreSum queens =
-        mobility<Us, Queen>(board, tropism) + queenFileTerms<Us>(board, pawns, kingFile);
+        mobility<Us, Queen>(board, towards, tropism) + queenFileTerms<Us>(board, pawns, kingFile);
 
     breakdown.add(EvalRow::Knights, Us, knights);
     breakdown.add(EvalRow::Bishops, Us, bishops);

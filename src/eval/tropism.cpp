@@ -1,8 +1,6 @@
 // eval/tropism.cpp - the tropism tables, built from king placements in two corners.
 #include "eval/tropism.h"
 
-#include <cstdint>
-
 #include "board/geometry.h"
 
 namespace vatro {
@@ -10,15 +8,6 @@ namespace {
 
 constexpr int PieceKinds = 6;
 constexpr int DistanceCount = 120;
-
-// By piece type. Tuned; no derivation.
-constexpr ScorePair tropismWeight[PieceTypeCount] = {
-    {0, 0},                                  // NoPiece
-    {10, -4}, {13, -5}, {9, -3}, {15, -11},  // Pawn, Knight, Bishop, Rook
-    {5, 41},  {18, 14},                      // Queen, King
-};
-static_assert(ScorePair(10, -4) == tropismWeight[Pawn] &&
-              pawnTropismWeight.pair() == tropismWeight[Pawn]);
 
 constexpr int whitePawnOffsets[] = {15, 17};
 constexpr int blackPawnOffsets[] = {-15, -17};
@@ -43,10 +32,10 @@ constexpr SquareMask lines(Square from, const int (&directions)[4]) {
     return mask;
 }
 
-using SquareCounts = std::array<std::array<std::uint8_t, DistanceCount>, PieceKinds>;
+using DistanceCounts = std::array<std::array<std::uint8_t, DistanceCount>, PieceKinds>;
 
 /// Notes what a piece of each type on `from` would attack around a king.
-constexpr void notePlacement(SquareCounts& counts, Square king, Square from) {
+constexpr void notePlacement(DistanceCounts& counts, Square king, Square from) {
     const SquareMask zone = steps(king, kingNeighbours);
     const SquareMask near = zone & steps(from, kingNeighbours);
     const SquareMask diagonals = lines(from, diagonalDirections);
@@ -86,8 +75,8 @@ constexpr Placement placements[] = {
     {squareAt('a', 8), squareAt('h', 2), squareAt('h', 7)},
 };
 
-constexpr SquareCounts buildCounts() {
-    SquareCounts counts{};
+constexpr DistanceCounts buildCounts() {
+    DistanceCounts counts{};
     for (const Placement& placement : placements) {
         for (int rank = rankOf(placement.firstCorner); rank <= rankOf(placement.lastCorner);
              ++rank) {
@@ -99,40 +88,37 @@ constexpr SquareCounts buildCounts() {
     }
     return counts;
 }
-constexpr SquareCounts squareCounts = buildCounts();
+constexpr DistanceCounts countsByDistance = buildCounts();
 
-constexpr TropismTable buildTerms() {
-    TropismTable table{};
-    for (int kind = 0; kind < PieceKinds; ++kind) {
-        const ScorePair weight = tropismWeight[kind + 1];
-        for (int distance = 0; distance < DistanceCount; ++distance) {
-            const int count = squareCounts[kind][distance];
-            table[kind][distance] = ScoreSum(count * weight.mg, count * weight.eg);
+constexpr KingTropism buildTropism(int king) {
+    KingTropism tropism{};
+    for (int from = 0; from < 64; ++from) {
+        const int difference = toSquare(king) - toSquare(from);
+        const int distance = difference < 0 ? -difference : difference;
+        for (int kind = Knight - 1; kind < PieceKinds; ++kind) {
+            tropism.counts[kind - (Knight - 1)][from] = countsByDistance[kind][distance];
+        }
+        const int pawnAttacksHere = countsByDistance[Pawn - 1][distance];
+        for (const Colour colour : {White, Black}) {
+            const int ahead = rankOf64(king) - rankOf64(from);
+            if (colour == White ? ahead < 0 : ahead > 0) continue;  // past the king's rank
+            if (pawnAttacksHere == 1) tropism.onePawnAttack[colour] |= maskOf(from);
+            if (pawnAttacksHere == 2) tropism.twoPawnAttacks[colour] |= maskOf(from);
         }
     }
-    return table;
+    return tropism;
 }
 
-constexpr std::array<std::array<PawnTropism, 64>, ColourCount> buildPawnMasks() {
-    std::array<std::array<PawnTropism, 64>, ColourCount> table{};
-    for (const Colour colour : {White, Black}) {
-        for (int king = 0; king < 64; ++king) {
-            for (int pawn = 0; pawn < 64; ++pawn) {
-                const int ahead = rankOf64(king) - rankOf64(pawn);
-                if (colour == White ? ahead < 0 : ahead > 0) continue;  // past the king's rank
-                const int difference = toSquare(king) - toSquare(pawn);
-                const int count = squareCounts[Pawn - 1][difference < 0 ? -difference : difference];
-                if (count == 1) table[colour][king].once |= maskOf(pawn);
-                if (count == 2) table[colour][king].twice |= maskOf(pawn);
-            }
-        }
+constexpr std::array<KingTropism, 65> buildTable() {
+    std::array<KingTropism, 65> table{};
+    for (int king = 0; king < 64; ++king) {
+        table[king] = buildTropism(king);
     }
     return table;
 }
 
 }  // namespace
 
-constexpr TropismTable tropismTable = buildTerms();
-constexpr std::array<std::array<PawnTropism, 64>, ColourCount> pawnTropismMasks = buildPawnMasks();
+constexpr std::array<KingTropism, 65> kingTropism = buildTable();
 
 }  // namespace vatro

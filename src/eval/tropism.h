@@ -1,44 +1,51 @@
 // eval/tropism.h - what a piece is worth for being able to attack the squares around the enemy
 // king.
 //
-// The number of squares comes from a table by the difference of two 0x88 squares, as on an empty
-// board, so that no attacks are generated.
+// The number of squares is looked up, as on an empty board; no attacks are generated.
 #pragma once
 
 #include <array>
+#include <cstdint>
 
+#include "board/board.h"
 #include "board/types.h"
 #include "eval/score_sum.h"
 
 namespace vatro {
 
-/// By piece type - 1 and |piece's square - enemy king's square|. A missing king stands on NoSquare,
-/// 136 or more away from every square, where nothing is stored.
-using TropismTable = std::array<std::array<ScoreSum, 256>, 6>;
-extern const TropismTable tropismTable;
+/// What attacks the surroundings of a king on one square.
+struct alignas(64) KingTropism {
+    /// The squares around the king that a piece attacks, by piece type and the piece's sq64. Not
+    /// for pawns.
+    std::uint8_t attacked(PieceType type, int sq64) const { return counts[type - Knight][sq64]; }
 
-/// The squares on which a pawn earns its tropism weight once, and twice, by colour of the pawn and
-/// square of the enemy king.
-struct PawnTropism {
-    SquareMask once;
-    SquareMask twice;
+    std::array<std::array<std::uint8_t, 64>, 5> counts;
+    /// The squares on which a pawn of a colour attacks one of them, and two. Not those beyond the
+    /// king's rank: a pawn that has passed it earns nothing.
+    SquareMask onePawnAttack[ColourCount];
+    SquareMask twoPawnAttacks[ColourCount];
 };
-extern const std::array<std::array<PawnTropism, 64>, ColourCount> pawnTropismMasks;
 
-constexpr ScoreSum pawnTropismWeight{10, -4};
+constexpr int NoKing = 64;  // index for a missing king: nothing attacks it
+/// By the king's sq64.
+extern const std::array<KingTropism, 65> kingTropism;
 
-/// Not for pawns, which earn nothing any more when they have passed the king's rank.
-inline ScoreSum tropismTerm(PieceType type, Square square, Square enemyKing) {
-    const int distance = square > enemyKing ? square - enemyKing : enemyKing - square;
-    return tropismTable[type - 1][distance];
+inline const KingTropism& tropismTowards(const Board_0x88& board, Colour kingColour) {
+    return kingTropism[board.hasKing(kingColour) ? toSq64(board.kingSquare(kingColour)) : NoKing];
 }
 
+// By piece type. Tuned; no derivation.
+constexpr ScoreSum tropismWeight[PieceTypeCount] = {
+    {0, 0},                                  // NoPiece
+    {10, -4}, {13, -5}, {9, -3}, {15, -11},  // Pawn, Knight, Bishop, Rook
+    {5, 41},  {18, 14},                      // Queen, King
+};
+
 template <Colour Us>
-ScoreSum pawnTropismTerms(SquareMask pawns, Square enemyKing) {
-    if (enemyKing == NoSquare) return {};
-    const PawnTropism& masks = pawnTropismMasks[Us][toSq64(enemyKing)];
-    return (countSquares(pawns & masks.once) + 2 * countSquares(pawns & masks.twice)) *
-           pawnTropismWeight;
+ScoreSum pawnTropism(SquareMask pawns, const KingTropism& towards) {
+    return (countSquares(pawns & towards.onePawnAttack[Us]) +
+            2 * countSquares(pawns & towards.twoPawnAttacks[Us])) *
+           tropismWeight[Pawn];
 }
 
 }  // namespace vatro
