@@ -71,8 +71,8 @@ class FixedSearch {
     TablebaseState tablebases;
     ThinkingRecord record;
     const bool tablesReady;
-    std::unique_ptr<Searcher> searcher = std::make_unique<Searcher>(
-        0, SearchContext{table, pawnHash, tablebases, control, record});
+    std::unique_ptr<Searcher> searcher =
+        std::make_unique<Searcher>(0, SearchContext{table, pawnHash, tablebases, control, record});
 };
 
 /// Nodes of all fixed positions, each searched to `depth` with empty tables.

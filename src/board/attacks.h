@@ -69,8 +69,8 @@ inline PinInfo computePins(const Board_0x88& board, SquareMask checkers) {
     const SquareMask* theirs = board.pieceMask[Side<Us>::Them];
     const SquareMask own = board.pieceMask[Us][NoPiece];
     const SquareMask occupied = board.occupied();
-    info.pinnedOrthogonal = detail::pinnedBy(rookRays[king64] & (theirs[Rook] | theirs[Queen]),
-                                             king64, occupied, own);
+    info.pinnedOrthogonal =
+        detail::pinnedBy(rookRays[king64] & (theirs[Rook] | theirs[Queen]), king64, occupied, own);
     info.pinnedDiagonal = detail::pinnedBy(bishopRays[king64] & (theirs[Bishop] | theirs[Queen]),
                                            king64, occupied, own);
     return info;

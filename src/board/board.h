@@ -21,7 +21,7 @@ struct SlotRule {
 };
 /// By piece type. Surplus pieces (a second queen, say) stand in the pawns' slots.
 inline constexpr SlotRule slotRules[PieceTypeCount] = {
-    {0, 0, 0, 0},                                // NoPiece
+    {0, 0, 0, 0},                                 // NoPiece
     {8, 8, 8, 15}, {6, 2, 10, 7}, {4, 2, 10, 5},  // Pawn, Knight, Bishop
     {2, 2, 10, 3}, {1, 1, 9, 1},  {0, 1, 1, 0},   // Rook, Queen, King
 };

@@ -35,8 +35,7 @@ bool isDraw(Board_0x88& board, DrawReason& reason) {
     const int oldest = std::max(current - clock, 0);
     for (int earlier = current - 4; earlier >= oldest; earlier -= 2) {
         if (board.plyRecords[earlier].key != now.key) continue;
-        now.repetitions =
-            static_cast<std::uint16_t>(board.plyRecords[earlier].repetitions + 1);
+        now.repetitions = static_cast<std::uint16_t>(board.plyRecords[earlier].repetitions + 1);
         if (now.repetitions > 1) reason = DrawReason::ThirdOccurrence;
         return true;
     }

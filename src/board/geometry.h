@@ -49,8 +49,10 @@ constexpr int FirstOrthogonalRay = 4;
 
 /// The larger of the file difference and the rank difference of two squares given by sq64.
 constexpr int kingDistance(int a, int b) {
-    const int files = fileOf64(a) > fileOf64(b) ? fileOf64(a) - fileOf64(b) : fileOf64(b) - fileOf64(a);
-    const int ranks = rankOf64(a) > rankOf64(b) ? rankOf64(a) - rankOf64(b) : rankOf64(b) - rankOf64(a);
+    const int files =
+        fileOf64(a) > fileOf64(b) ? fileOf64(a) - fileOf64(b) : fileOf64(b) - fileOf64(a);
+    const int ranks =
+        rankOf64(a) > rankOf64(b) ? rankOf64(a) - rankOf64(b) : rankOf64(b) - rankOf64(a);
     return files > ranks ? files : ranks;
 }
 

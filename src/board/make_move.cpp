@@ -63,14 +63,14 @@ void movePiece(Board_0x88& board, Square from, Square to, Colour colour, Keys* k
     board.pieceMask[colour][type] ^= both;
     board.pieceMask[colour][NoPiece] ^= both;
     if (keys) {
-        const Key change = zobrist.pieceSquare(colour, type, source) ^
-                           zobrist.pieceSquare(colour, type, target);
+        const Key change =
+            zobrist.pieceSquare(colour, type, source) ^ zobrist.pieceSquare(colour, type, target);
         keys->key ^= change;
         if (T == Track::Game && type == Pawn) keys->pawnKey ^= change;
     }
     if constexpr (T == Track::Game) {
-        board.pstScore[colour] += pieceSquareTable.at(colour, type, target) -
-                                  pieceSquareTable.at(colour, type, source);
+        board.pstScore[colour] +=
+            pieceSquareTable.at(colour, type, target) - pieceSquareTable.at(colour, type, source);
     }
 }
 
@@ -111,8 +111,7 @@ void putPiece(Board_0x88& board, Square square, Colour colour, std::uint8_t capt
 
 /// Turns a pawn on its last rank into `after`, or a promoted piece back into a pawn.
 template <Track T>
-void changeType(
-    Board_0x88& board, Square square, Colour colour, PieceType after, Keys* keys) {
+void changeType(Board_0x88& board, Square square, Colour colour, PieceType after, Keys* keys) {
     const PieceType before = board.pieceAt(square);
     PieceList& list = board.pieceLists[colour];
     board.pieceOn[square] = after;
@@ -125,15 +124,15 @@ void changeType(
     board.pieceMask[colour][before] ^= maskOf(sq64);
     board.pieceMask[colour][after] ^= maskOf(sq64);
     if (keys) {
-        keys->key ^= zobrist.pieceSquare(colour, before, sq64) ^
-                     zobrist.pieceSquare(colour, after, sq64);
+        keys->key ^=
+            zobrist.pieceSquare(colour, before, sq64) ^ zobrist.pieceSquare(colour, after, sq64);
         if (T == Track::Game && before == Pawn) {
             keys->pawnKey ^= zobrist.pieceSquare(colour, Pawn, sq64);
         }
     }
     if constexpr (T == Track::Game) {
-        board.pstScore[colour] += pieceSquareTable.at(colour, after, sq64) -
-                                  pieceSquareTable.at(colour, before, sq64);
+        board.pstScore[colour] +=
+            pieceSquareTable.at(colour, after, sq64) - pieceSquareTable.at(colour, before, sq64);
     }
 }
 
@@ -190,8 +189,7 @@ void make(Board_0x88& board, Move move, UndoRecord& undo, Keys& keys) {
             break;
         }
         case EnPassant:
-            undo.captured =
-                removePiece<T>(board, static_cast<Square>(to - S::Up), S::Them, keys);
+            undo.captured = removePiece<T>(board, static_cast<Square>(to - S::Up), S::Them, keys);
             movePiece<T>(board, from, to, Us, &keys);
             break;
     }

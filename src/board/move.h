@@ -73,8 +73,8 @@ struct MoveList {
     ScoredMove moves[Capacity];
     unsigned count = 0;
 
-    void add(Move move) {
-        if (count < Capacity) moves[count++] = {move, 0};
+    void add(Move move, int score = 0) {
+        if (count < Capacity) moves[count++] = {move, static_cast<std::int16_t>(score)};
     }
     const ScoredMove* begin() const { return moves; }
     const ScoredMove* end() const { return moves + count; }

@@ -26,7 +26,7 @@ void generateLegalMoves(const Board_0x88& board, const PinInfo& info, MoveList& 
 template <Colour Us>
 void generateCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list);
 template <Colour Us>
-unsigned countLegalMoves(const Board_0x88& board);
+unsigned countLegalMoves(const Board_0x88& board, const PinInfo& info);
 template <Colour Us>
 Move drawLegalMove(const Board_0x88& board);
 

@@ -1,7 +1,7 @@
 // src/board/move_ordering.cpp - scores of moves and the losing-capture test.
 #include "board/move_ordering.h"
 
-#include "board/geometry.h"
+#include "board/move_generator.h"
 #include "board/piece_square_table.h"
 #include "board/side.h"
 
@@ -13,39 +13,153 @@ constexpr int orderingValue[PieceTypeCount] = {0, 1, 2, 2, 3, 4, 5};
 constexpr int captureValue[PieceTypeCount] = {0, 125, 400, 400, 600, 1125, 0};
 constexpr int coarseValue[PieceTypeCount] = {0, 1, 3, 3, 4, 5, 0};
 
+/// The rule of thumb for losing captures: a weaker victim that a pawn defends, or a knight does
+/// against a heavy piece.
+template <Colour Us>
+bool isLosing(const Board_0x88& board, PieceType mover, PieceType victim, int to) {
+    if (coarseValue[victim] >= coarseValue[mover]) return false;
+    const SquareMask* theirs = board.pieceMask[Side<Us>::Them];
+    if (pawnAttacks[Us][to] & theirs[Pawn]) return true;
+    const bool asksKnights = mover == Queen || (mover == Rook && victim == Pawn);
+    return asksKnights && (knightAttacks[to] & theirs[Knight]);
+}
+
 constexpr int GoodCaptureBonus = 1000;
 constexpr int BadCaptureMalus = 50;
 constexpr int KillerBonus = 150;
 
-struct Killers {
-    Move moves[4];
+/// The quiet moves that refuted other positions at this ply and at the next one of this side.
+class Killers {
+  public:
+    explicit Killers(const Board_0x88& board) {
+        add(board.record());
+        if (board.ply + 2 < PlyRecordCount) add(board.plyRecords[board.ply + 2]);
+    }
 
-    bool contain(Move move) const {
-        // A quiet move is no promotion, nor is a killer: the squares decide.
-        for (const Move killer : moves) {
-            if (((killer ^ move) & 0xFFF) == 0) return true;
+    bool contain(int from, int to) const {
+        if (!((targets >> to) & 1)) return false;  // nearly always
+        const Move squares = makeMoveWord(from, to);
+        for (unsigned i = 0; i < count; ++i) {
+            if (((moves[i] ^ squares) & 0xFFF) == 0) return true;
         }
         return false;
     }
+
+  private:
+    void add(const PlyRecord& record) {
+        for (const Move killer : record.killers) {
+            moves[count++] = killer;
+            targets |= maskOf(to64(killer));
+        }
+    }
+
+    Move moves[4];
+    unsigned count = 0;
+    SquareMask targets = 0;
 };
 
-/// The killers of this ply and of the next one of the same side.
-Killers killersOf(const Board_0x88& board) {
-    const PlyRecord& now = board.record();
-    Killers killers = {{now.killers[0], now.killers[1], NoMove, NoMove}};
-    if (board.ply + 2 < PlyRecordCount) {
-        const PlyRecord& next = board.plyRecords[board.ply + 2];
-        killers.moves[2] = next.killers[0];
-        killers.moves[3] = next.killers[1];
+/// Appends moves with the scores of the search.
+template <Colour Us>
+class ScoringSink {
+  public:
+    ScoringSink(const Board_0x88& position, MoveList& out)
+        : board(position), list(out), killers(position) {}
+
+    void addPawnStep(int from, int to, unsigned extra) {
+        addQuiet(Pawn, makeMoveWord(from, to, Normal, extra), from, to);
     }
-    return killers;
-}
+    void addPawnCapture(int from, int to) { addCapture(Pawn, from, to); }
+    void addEnPassant(int from, int to) {
+        list.add(makeMoveWord(from, to, EnPassant), 64 - orderingValue[Pawn] + GoodCaptureBonus);
+    }
+    void addCastling(int from, int to, unsigned kind) {
+        addQuiet(King, makeMoveWord(from, to, Castling, kind), from, to);
+    }
+    void addPromotions(int from, int to, Kind) {
+        const int victim = orderingValue[board.pieceOn[toSquare(to)]];
+        for (const PieceType into : {Queen, Knight, Rook, Bishop}) {
+            const int score = (orderingValue[into] + 8 * victim) * 8 - orderingValue[Pawn];
+            list.add(makePromotion(from, to, into), score + GoodCaptureBonus);
+        }
+    }
+    void addTargets(PieceType type, int from, SquareMask targets, const StepOrder& order) {
+        for (int i = 0; i < order.count; ++i) {
+            const int to = order.targets[i];
+            if ((targets >> to) & 1) addPieceMove(type, from, to);
+        }
+    }
+    void addSliding(PieceType type, int from, SquareMask targets, int firstRay) {
+        forEachOnRays(from, targets, firstRay, [&](int to) { addPieceMove(type, from, to); });
+    }
+
+  private:
+    void addPieceMove(PieceType type, int from, int to) {
+        if (board.pieceOn[toSquare(to)] == NoPiece) {
+            addQuiet(type, makeMoveWord(from, to), from, to);
+        } else {
+            addCapture(type, from, to);
+        }
+    }
+
+    void addQuiet(PieceType type, Move move, int from, int to) {
+        const int gain = killers.contain(from, to) ? KillerBonus
+                                                   : pieceSquareTable.at(Us, type, to).mg -
+                                                         pieceSquareTable.at(Us, type, from).mg;
+        list.add(move, gain - orderingValue[type]);
+    }
+
+    void addCapture(PieceType type, int from, int to) {
+        const PieceType victim = board.pieceAt(toSquare(to));
+        const int score = 64 * orderingValue[victim] - orderingValue[type];
+        const bool bad = isLosing<Us>(board, type, victim, to);
+        list.add(makeMoveWord(from, to), score + (bad ? -BadCaptureMalus : GoodCaptureBonus));
+    }
+
+    const Board_0x88& board;
+    MoveList& list;
+    const Killers killers;
+};
+
+/// Appends captures with the scores of quiescence.
+class CaptureSink {
+  public:
+    CaptureSink(const Board_0x88& position, MoveList& out) : board(position), list(out) {}
+
+    void addPawnStep(int, int, unsigned) {}
+    void addCastling(int, int, unsigned) {}
+    void addPawnCapture(int from, int to) { addCapture(Pawn, from, to); }
+    void addEnPassant(int from, int to) {
+        list.add(makeMoveWord(from, to, EnPassant), 64 - orderingValue[Pawn]);
+    }
+    void addPromotions(int from, int to, Kind) {
+        const int victim = orderingValue[board.pieceOn[toSquare(to)]];
+        list.add(makePromotion(from, to, Queen),
+                 8 * (8 * victim + orderingValue[Queen]) - orderingValue[Pawn]);
+    }
+    void addTargets(PieceType type, int from, SquareMask targets, const StepOrder& order) {
+        for (int i = 0; i < order.count; ++i) {
+            const int to = order.targets[i];
+            if ((targets >> to) & 1) addCapture(type, from, to);
+        }
+    }
+    void addSliding(PieceType type, int from, SquareMask targets, int firstRay) {
+        forEachOnRays(from, targets, firstRay, [&](int to) { addCapture(type, from, to); });
+    }
+
+  private:
+    void addCapture(PieceType type, int from, int to) {
+        const PieceType victim = board.pieceAt(toSquare(to));
+        list.add(makeMoveWord(from, to), 64 * orderingValue[victim] - orderingValue[type]);
+    }
+
+    const Board_0x88& board;
+    MoveList& list;
+};
 
 }  // namespace
 
 template <Colour Us>
 bool isBadCapture(const Board_0x88& board, Move move, int& gain) {
-    using S = Side<Us>;
     switch (typeOf(move)) {
         case Castling:
             return false;
@@ -61,13 +175,7 @@ bool isBadCapture(const Board_0x88& board, Move move, int& gain) {
     const PieceType victim = board.pieceAt(toSquareOf(move));
     const PieceType mover = board.pieceAt(fromSquare(move));
     gain = captureValue[victim];
-    if (coarseValue[victim] >= coarseValue[mover]) return false;
-    const int to = to64(move);
-    const SquareMask* theirs = board.pieceMask[S::Them];
-    if (pawnAttacks[Us][to] & theirs[Pawn]) return true;
-    const bool knightDefends = knightAttacks[to] & theirs[Knight];
-    if (victim == Pawn && (mover == Rook || mover == Queen)) return knightDefends;
-    return mover == Queen && victim != Queen && knightDefends;
+    return isLosing<Us>(board, mover, victim, to64(move));
 }
 
 bool isBadCapture(const Board_0x88& board, Move move, int& gain) {
@@ -76,51 +184,22 @@ bool isBadCapture(const Board_0x88& board, Move move, int& gain) {
 }
 
 template <Colour Us>
-void scoreMoves(const Board_0x88& board, MoveList& list) {
-    const Killers killers = killersOf(board);
-    for (unsigned i = 0; i < list.count; ++i) {
-        const Move move = list.moves[i].move;
-        const PieceType mover = board.pieceAt(fromSquare(move));
-        const PieceType victim = board.pieceAt(toSquareOf(move));
-        int score = -orderingValue[mover];
-        if (isQuiet(board, move)) {
-            score += killers.contain(move)
-                         ? KillerBonus
-                         : pieceSquareTable.at(Us, mover, to64(move)).mg -
-                               pieceSquareTable.at(Us, mover, from64(move)).mg;
-        } else {
-            if (typeOf(move) == EnPassant) {
-                score += 64;
-            } else {
-                const PieceType into = isPromotion(move) ? promotionPiece(move) : NoPiece;
-                score += (orderingValue[into] + 8 * orderingValue[victim]) * 8;
-            }
-            int gain = 0;
-            score += isBadCapture<Us>(board, move, gain) ? -BadCaptureMalus : GoodCaptureBonus;
-        }
-        list.moves[i].score = static_cast<std::int16_t>(score);
-    }
+void generateScoredMoves(const Board_0x88& board, const PinInfo& info, MoveList& list) {
+    ScoringSink<Us> sink(board, list);
+    Generator<Us, Kind::All, ScoringSink<Us>>(board, info, sink).generate();
 }
 
-void scoreCaptures(const Board_0x88& board, MoveList& list) {
-    for (unsigned i = 0; i < list.count; ++i) {
-        const Move move = list.moves[i].move;
-        const PieceType victim = board.pieceAt(toSquareOf(move));
-        int score = -orderingValue[board.pieceAt(fromSquare(move))];
-        if (typeOf(move) == EnPassant) {
-            score += 64;
-        } else if (isPromotion(move)) {
-            score += 8 * (8 * orderingValue[victim] + orderingValue[promotionPiece(move)]);
-        } else {
-            score += 64 * orderingValue[victim];
-        }
-        list.moves[i].score = static_cast<std::int16_t>(score);
-    }
+template <Colour Us>
+void generateScoredCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list) {
+    CaptureSink sink(board, list);
+    Generator<Us, Kind::Captures, CaptureSink>(board, info, sink).generate();
 }
 
 template bool isBadCapture<White>(const Board_0x88&, Move, int&);
 template bool isBadCapture<Black>(const Board_0x88&, Move, int&);
-template void scoreMoves<White>(const Board_0x88&, MoveList&);
-template void scoreMoves<Black>(const Board_0x88&, MoveList&);
+template void generateScoredMoves<White>(const Board_0x88&, const PinInfo&, MoveList&);
+template void generateScoredMoves<Black>(const Board_0x88&, const PinInfo&, MoveList&);
+template void generateScoredCaptures<White>(const Board_0x88&, const PinInfo&, MoveList&);
+template void generateScoredCaptures<Black>(const Board_0x88&, const PinInfo&, MoveList&);
 
 }  // namespace vatro

@@ -1,6 +1,7 @@
 // src/board/move_ordering.h - how promising a move looks before it is searched.
 #pragma once
 
+#include "board/attacks.h"
 #include "board/board.h"
 
 namespace vatro {
@@ -17,12 +18,13 @@ inline bool isQuiet(const Board_0x88& board, Move move) {
 }
 static_assert((EnPassant & Promotion) && !(Castling & Promotion) && !(Normal & Promotion));
 
-/// Scores all legal moves: good captures and promotions first, then killers, then quiet moves by
-/// their piece-square gain.
+/// Appends all legal moves with their scores: good captures and promotions first, then killers,
+/// then quiet moves by their piece-square gain.
 template <Colour Us>
-void scoreMoves(const Board_0x88& board, MoveList& list);
+void generateScoredMoves(const Board_0x88& board, const PinInfo& info, MoveList& list);
 
-/// Scores captures by victim and attacker alone.
-void scoreCaptures(const Board_0x88& board, MoveList& list);
+/// Appends the legal captures and promotions to a queen, scored by victim and attacker alone.
+template <Colour Us>
+void generateScoredCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list);
 
 }  // namespace vatro

@@ -8,7 +8,6 @@
 
 #include "board/attacks.h"
 #include "board/board.h"
-#include "board/move_generation.h"
 #include "board/move_ordering.h"
 
 namespace vatro {
@@ -30,16 +29,6 @@ class MovePicker {
         secondMove = second;
     }
 
-    /// All legal moves of the position. They are generated once, here or in their stage.
-    template <Colour Us>
-    const MoveList& legalMoves() {
-        if (!generated) {
-            generateLegalMoves<Us>(board, info, list);
-            generated = true;
-        }
-        return list;
-    }
-
     /// The next move, NoMove at the end.
     template <Colour Us>
     Move next();
@@ -47,7 +36,9 @@ class MovePicker {
   private:
     enum class Stage { First, Second, Generate, Rest };
 
-    bool isPlayable(Move move) const { return isValidMove(board, move) && isLegal(board, move, info); }
+    bool isPlayable(Move move) const {
+        return isValidMove(board, move) && isLegal(board, move, info);
+    }
     Move selectBest();
 
     MoveList list;
@@ -56,7 +47,6 @@ class MovePicker {
     unsigned current = 0;
     Phase phase;
     Stage stage = Stage::First;
-    bool generated = false;
     Move firstMove = NoMove;
     Move secondMove = NoMove;
 };
@@ -95,11 +85,9 @@ Move MovePicker::next() {
         case Stage::Generate:
             stage = Stage::Rest;
             if (phase == Phase::AllMoves) {
-                legalMoves<Us>();
-                scoreMoves<Us>(board, list);
+                generateScoredMoves<Us>(board, info, list);
             } else {
-                generateCaptures<Us>(board, info, list);
-                scoreCaptures(board, list);
+                generateScoredCaptures<Us>(board, info, list);
             }
             [[fallthrough]];
         case Stage::Rest:

@@ -11,12 +11,12 @@ namespace vatro {
 template <Colour Us>
 struct Side {
     static constexpr Colour Them = Us == White ? Black : White;
-    static constexpr int Up = Us == White ? 16 : -16;           // one rank forward, 0x88 offset
+    static constexpr int Up = Us == White ? 16 : -16;             // one rank forward, 0x88 offset
     static constexpr int CaptureFirst = Us == White ? 15 : -15;   // pawn captures, in the order
     static constexpr int CaptureSecond = Us == White ? 17 : -17;  // in which they are generated
-    static constexpr int DoubleStepRank = Us == White ? 1 : 6;  // rank index of the double step
-    static constexpr int SeventhRank = Us == White ? 6 : 1;     // rank index one step from promotion
-    static constexpr int HomeRank = Us == White ? 0 : 7;        // rank index of the pieces
+    static constexpr int DoubleStepRank = Us == White ? 1 : 6;    // rank index of the double step
+    static constexpr int SeventhRank = Us == White ? 6 : 1;  // rank index one step from promotion
+    static constexpr int HomeRank = Us == White ? 0 : 7;     // rank index of the pieces
     static constexpr CastlingRight KingSide = Us == White ? WhiteKingSide : BlackKingSide;
     static constexpr CastlingRight QueenSide = Us == White ? WhiteQueenSide : BlackQueenSide;
     static constexpr Square KingHome = Us == White ? E1 : E8;

@@ -56,7 +56,8 @@ ScoreSum positionalTerms(const Board_0x88& board,
     return pieces + passed + safety;
 }
 
-/// White's lead in all that the lazy cut leaves out.
+/// White's lead in all that the lazy cut leaves out. Kept out of line, so that its many values do
+/// not take the registers of the way to the cut (22 ns inlined, 16 ns not).
 template <typename Breakdown>
 [[gnu::noinline]] int positionalLead(const Board_0x88& board,
                                      int phase,
@@ -81,8 +82,9 @@ int evaluatePosition(const Board_0x88& board,
     const int scale = scaleFactor(board, material);
     if (scale == 0) return DrawScore;
     // 2. Without pawns other things count.
-    if (board.count(White, Pawn) + board.count(Black, Pawn) == 0)
+    if (board.count(White, Pawn) + board.count(Black, Pawn) == 0) {
         return pawnlessEvaluation(board, material, breakdown);
+    }
 
     // 3. Material and piece-square values, from the point of view of the side to move.
     const Colour mover = board.toMove();
@@ -98,7 +100,7 @@ int evaluatePosition(const Board_0x88& board,
     breakdown.add(EvalRow::PieceSquare, Black, board.pstScore[Black]);
     breakdown.add(EvalRow::SideToMove, mover, sideToMoveBonus);
 
-    // 4. The rest is worth at most PositionalLimit: it cannot bring the score into the window.
+    // 4. What follows is worth at most PositionalLimit and cannot bring the score into the window.
     if (scale == FullScale && material.canWin[White] && material.canWin[Black]) {
         if (lazy + LazyMargin < alpha) return lazy + LazyMargin + 1;
         if (lazy - LazyMargin > beta) return lazy - LazyMargin - 1;

@@ -41,7 +41,7 @@ std::string rowText(const PrintedRow& printed, const EvalBreakdown& breakdown, i
     const auto& terms = breakdown.terms[static_cast<int>(printed.row)];
     const ScorePair white = terms[White];
     const ScorePair black = terms[Black];
-    // Not tapered as a pair: the difference of two columns can exceed 16 bits.
+    // Not as a pair: the difference of two columns can exceed 16 bits.
     const int difference =
         ((white.mg - black.mg) * phase + (white.eg - black.eg) * (FullPhase - phase)) / FullPhase;
     return formatted("%-32s   %4d %4d (%4d)   %4d %4d (%4d)   %4d\n", printed.label, white.mg,
@@ -56,7 +56,8 @@ std::string evaluationText(const Board_0x88& board, PawnHashTable& pawnHash) {
     EvalBreakdown breakdown;
     const int score = evaluateWithBreakdown(board, pawnHash, breakdown);
 
-    const std::string rule = std::string(LineLength, '=') + '\n';
+    std::string rule(LineLength, '=');
+    rule += '\n';
     std::string text = rule + header + rule;
     for (const PrintedRow& printed : printedRows) {
         text += rowText(printed, breakdown, material.phase);

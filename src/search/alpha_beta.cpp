@@ -2,6 +2,7 @@
 //
 // The entry of each routine is the only place where check is detected. "Null window" means that
 // alpha and beta leave no room between them: only then are the riskier cuts taken.
+#include "board/move_generation.h"
 #include "search/search_moves.h"
 
 namespace vatro {
@@ -99,10 +100,10 @@ int Searcher::alphaBeta(int alpha, int beta, int height, int depth, PrincipalVar
         PrincipalVariation scratch;
         const int reduced = depth - std::min(depth / 4, 3) - 4;
         makeNullMove(board, undo);
-        int score = reduced < 1
-                        ? -quiescence<Them>(-bounds.beta, 1 - bounds.beta, height + 1, scratch)
-                        : -alphaBeta<Them>(-bounds.beta, 1 - bounds.beta, height + 1, reduced,
-                                           scratch);
+        int score =
+            reduced < 1
+                ? -quiescence<Them>(-bounds.beta, 1 - bounds.beta, height + 1, scratch)
+                : -alphaBeta<Them>(-bounds.beta, 1 - bounds.beta, height + 1, reduced, scratch);
         unmakeNullMove(board, undo);
         if (stopped()) return AbortScore;
         if (score >= bounds.beta) {
@@ -121,20 +122,17 @@ int Searcher::alphaBeta(int alpha, int beta, int height, int depth, PrincipalVar
     }
 
     // 10. The moves; a forced one costs no depth near the root.
-    MovePicker picker(board, computePins<Us>(board, 0), MovePicker::Phase::AllMoves);
-    if (height <= SingleReplyHeight && picker.legalMoves<Us>().count == 1) ++depth;
+    const PinInfo pins = computePins<Us>(board, 0);
+    if (height <= SingleReplyHeight && countLegalMoves<Us>(board, pins) == 1) ++depth;
+    MovePicker picker(board, pins, MovePicker::Phase::AllMoves);
     picker.prefer(line.first(), tableMove);
     const int score = searchMoves<Us, true>(picker, bounds, height, depth, line);
     return score == NoMoveScore ? DrawScore : score;  // stalemate
 }
 
 template <Colour Us>
-int Searcher::searchEvasions(SquareMask checkers,
-                             int alpha,
-                             int beta,
-                             int height,
-                             int depth,
-                             PrincipalVariation& line) {
+int Searcher::searchEvasions(
+    SquareMask checkers, int alpha, int beta, int height, int depth, PrincipalVariation& line) {
     if (!enterNode()) return AbortScore;
     DrawReason reason;
     if (isDraw(board, reason)) return DrawScore;
@@ -160,9 +158,7 @@ int Searcher::searchEvasions(SquareMask checkers,
 
 template int Searcher::alphaBeta<White>(int, int, int, int, PrincipalVariation&);
 template int Searcher::alphaBeta<Black>(int, int, int, int, PrincipalVariation&);
-template int Searcher::searchEvasions<White>(
-    SquareMask, int, int, int, int, PrincipalVariation&);
-template int Searcher::searchEvasions<Black>(
-    SquareMask, int, int, int, int, PrincipalVariation&);
+template int Searcher::searchEvasions<White>(SquareMask, int, int, int, int, PrincipalVariation&);
+template int Searcher::searchEvasions<Black>(SquareMask, int, int, int, int, PrincipalVariation&);
 
 }  // namespace vatro

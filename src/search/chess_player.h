@@ -64,17 +64,17 @@ class ChessPlayer final : public SearchInterface {
     TimeControl& timeControl;
     Game game;
 
-    unsigned ttHashSizeMB = 256;    // 1 to 2048
-    unsigned pawnHashSizeMB = 32;   // 1 to 2048
-    unsigned gtbCacheSizeMB = 16;   // 0 to 256
+    unsigned ttHashSizeMB = 256;     // 1 to 2048
+    unsigned pawnHashSizeMB = 32;    // 1 to 2048
+    unsigned gtbCacheSizeMB = 16;    // 0 to 256
     std::string gtbPath = "C:/gtb";  // at most MaxPathLength characters
     static constexpr std::size_t MaxPathLength = 255;
 
     std::atomic<bool> useBook{true};
     std::atomic<bool> randomMoves{false};  // play random moves instead of searching
     std::atomic<bool> post{true};          // thinking output
-    bool outOfBook = false;                // the game has left the book; search thread 0's in a search
-    Move ponderMove = NoMove;              // expected reply to the last move; the same
+    bool outOfBook = false;    // the game has left the book; search thread 0's in a search
+    Move ponderMove = NoMove;  // expected reply to the last move; the same
 
     unsigned maxCores;  // hardware threads, at least 1
     unsigned requestedCores = 1;

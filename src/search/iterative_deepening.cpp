@@ -11,9 +11,9 @@
 namespace vatro {
 namespace {
 
-constexpr int AspirationWindow = 30;     // centipawns on either side; tuned
-constexpr int EarlyStopDepth = 6;        // no time-based stop before this depth; tuned
-constexpr int EasyMoveShare = 8;         // an easy move is played after 1/8 of the time; tuned
+constexpr int AspirationWindow = 30;  // centipawns on either side; tuned
+constexpr int EarlyStopDepth = 6;     // no time-based stop before this depth; tuned
+constexpr int EasyMoveShare = 8;      // an easy move is played after 1/8 of the time; tuned
 
 /// The largest odd number of plies within `depth` or just above, and the same for even ones.
 constexpr int oddUpTo(int depth) { return depth | 1; }

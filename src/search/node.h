@@ -47,7 +47,8 @@ inline bool Searcher::enterNode() {
     constexpr std::uint64_t TimeCheckInterval = 4096;  // nodes; a power of two
     const std::uint64_t count = nodes.load(std::memory_order_relaxed) + 1;
     nodes.store(count, std::memory_order_relaxed);
-    if (count % TimeCheckInterval != 0 || threadIndex != 0 || !context.player.timeout()) return true;
+    if (count % TimeCheckInterval != 0 || threadIndex != 0 || !context.player.timeout())
+        return true;
     stopFlag = true;
     return false;
 }
@@ -56,8 +57,7 @@ inline int Searcher::evaluateHere(int alpha, int beta) {
     return evaluate(board, context.pawnHash, statistics.pawnHashHits, alpha, beta);
 }
 
-inline void Searcher::store(
-    const NodeBounds& bounds, int height, int depth, int score, Move move) {
+inline void Searcher::store(const NodeBounds& bounds, int height, int depth, int score, Move move) {
     context.transpositionTable.store(board.record().key, board.ply, bounds.limits,
                                      {bounds.alpha, bounds.beta, height, depth}, score, move);
 }

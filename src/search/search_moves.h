@@ -33,8 +33,7 @@ inline int Searcher::searchChild(
 template <Colour Us>
 inline bool isReducible(const Board_0x88& board, Move move, int number, int depth) {
     if (number < 2 || depth < 3 || !isQuiet(board, move)) return false;
-    return board.pieceOn[fromSquare(move)] != Pawn ||
-           rankOf64(to64(move)) != Side<Us>::SeventhRank;
+    return board.pieceOn[fromSquare(move)] != Pawn || rankOf64(to64(move)) != Side<Us>::SeventhRank;
 }
 
 template <Colour Us>
@@ -50,11 +49,8 @@ inline int Searcher::searchReduced(
 /// The move loop of alphaBeta and, without reductions, of searchEvasions. Returns a score below
 /// every possible one, and stores nothing, when there was no move.
 template <Colour Us, bool Reduces>
-inline int Searcher::searchMoves(MovePicker& picker,
-                                 const NodeBounds& bounds,
-                                 int height,
-                                 int depth,
-                                 PrincipalVariation& line) {
+inline int Searcher::searchMoves(
+    MovePicker& picker, const NodeBounds& bounds, int height, int depth, PrincipalVariation& line) {
     int best = -MateScore;
     int number = 0;
     PrincipalVariation childLine;

@@ -1,6 +1,6 @@
 // src/search/search_root.cpp - the root: its moves before the first iteration and in each one.
+#include "board/move_generation.h"
 #include "search/root.h"
-
 #include "search/search_moves.h"
 
 namespace vatro {
@@ -61,8 +61,8 @@ int Searcher::searchRoot(int alpha, int beta, int depth, PrincipalVariation& lin
         const bool reduces = !checkers && isReducible<Us>(board, move, number, depth);
         board.record().movePlayed = move;
         makeMove<Us>(board, move, undo);
-        const int score = searchReduced<Us>(std::max(best, alpha), beta, 1, depth, number, reduces,
-                                            childLine);
+        const int score =
+            searchReduced<Us>(std::max(best, alpha), beta, 1, depth, number, reduces, childLine);
         unmakeMove<Us>(board, move, undo);
         if (stopped()) return best;
         if (score >= beta) {

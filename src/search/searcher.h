@@ -69,12 +69,8 @@ class alignas(64) Searcher {
     int alphaBeta(int alpha, int beta, int height, int depth, PrincipalVariation& line);
     /// A node in check.
     template <Colour Us>
-    int searchEvasions(SquareMask checkers,
-                       int alpha,
-                       int beta,
-                       int height,
-                       int depth,
-                       PrincipalVariation& line);
+    int searchEvasions(
+        SquareMask checkers, int alpha, int beta, int height, int depth, PrincipalVariation& line);
     /// A node beyond the horizon: captures and promotions only, unless in check.
     template <Colour Us>
     int quiescence(int alpha, int beta, int height, PrincipalVariation& line);

@@ -2,18 +2,18 @@
 //
 // Helpers only search. Thread 0 keeps the clock, takes a random or a book move where it may, and
 // hands the move over once the helpers are idle.
-#include "board/console.h"
-#include "board/move_generation.h"
 #include <algorithm>
 #include <cstdint>
 
+#include "board/console.h"
+#include "board/move_generation.h"
 #include "search/chess_player.h"
 
 namespace vatro {
 namespace {
 
-constexpr double OutOfBookFactor = 1.5;            // tuned
-constexpr std::uint32_t FewMovesLeft = 9;          // no extra time then; tuned
+constexpr double OutOfBookFactor = 1.5;    // tuned
+constexpr std::uint32_t FewMovesLeft = 9;  // no extra time then; tuned
 
 }  // namespace
 

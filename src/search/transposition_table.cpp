@@ -84,9 +84,7 @@ void TranspositionTable::store(Key key,
         }
     }
     if (!slot) slot = empty ? empty : shallowest;
-    const TTData data = {move,
-                         static_cast<std::int16_t>(score),
-                         bound,
+    const TTData data = {move, static_cast<std::int16_t>(score), bound,
                          static_cast<std::uint8_t>(window.depth),
                          static_cast<std::uint8_t>(ply - static_cast<unsigned>(window.height))};
     const auto word = std::bit_cast<std::uint64_t>(data);

@@ -50,7 +50,7 @@ class WorkerThread : public Thread {
     Task task;
     void* argument;
     std::mutex mutex;
-    std::condition_variable changed;         // of `state`
+    std::condition_variable changed;        // of `state`
     std::atomic<State> state{State::Idle};  // written under the mutex
     std::thread systemThread;
 };

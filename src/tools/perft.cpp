@@ -18,7 +18,9 @@ std::uint64_t countLeaves(Board_0x88& board,
                           std::uint64_t& nodes) {
     constexpr Colour Them = Side<Us>::Them;
     ++nodes;
-    if (depth == 1) return countLegalMoves<Us>(board);
+    if (depth == 1) {
+        return countLegalMoves<Us>(board, computePins<Us>(board, findCheckers<Us>(board)));
+    }
     const Key key = board.perftKeys[board.perftPly];
     if (const PerftEntry* entry = table.probe(key, depth)) return entry->leafCount;
     MoveList list;

@@ -35,9 +35,7 @@ void expectLegalLines(const FixedSearch& search, const Board_0x88& start) {
     }
 }
 
-TEST_F(SearchTest, NodeCountsAreTheSignature) {
-    EXPECT_EQ(fixedSearchNodes(6), 0U);
-}
+TEST_F(SearchTest, NodeCountsAreTheSignature) { EXPECT_EQ(fixedSearchNodes(6), 0U); }
 
 TEST_F(SearchTest, TheSameSearchTwiceVisitsTheSameNodes) {
     for (const char* fen : {fixedPositions[4], fixedPositions[12]}) {
@@ -144,8 +142,8 @@ TEST_F(SearchTest, ForeignTableMovesAreNeverPlayed) {
         UndoRecord undo;
         makeMove(game->board, entry.move, undo);
         const Move foreign = makeMoveWord(toSq64(A1), toSq64(H8), EnPassant);
-        search.table.store(game->board.record().key, 1, limits, {-MateScore, MateScore, 1, 1},
-                           -20, foreign);
+        search.table.store(game->board.record().key, 1, limits, {-MateScore, MateScore, 1, 1}, -20,
+                           foreign);
         unmakeMove(game->board, entry.move, undo);
     }
     const SearchResult result = search.run(game->board, 5);
