@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <ostream>
 #include <random>
 
 #include <gtest/gtest.h>
@@ -27,29 +28,31 @@ namespace {
 #endif
 #ifdef VATRO_IS_SANITIZED
 constexpr int Slowdown = 4;  // of a sanitized engine: more time, fewer games
-constexpr unsigned WholeGames = 4;
 #else
 constexpr int Slowdown = 1;
-constexpr unsigned WholeGames = 20;
 #endif
 
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
 struct Match {
-    int movesPerSession;
+    const char* start;    // FEN
+    int movesPerSession;  // 0: one session is the whole game
     int baseSeconds;
-    int incrementSeconds;
     int cores;
+    unsigned seed;
 };
+
+// NOLINTNEXTLINE(readability-identifier-naming): the name is GoogleTest's
+void PrintTo(const Match& match, std::ostream* stream) { *stream << "seed " << match.seed; }
 
 class Referee {
   public:
-    Referee(const Match& rules, unsigned seed) : match(rules), random(seed) {
+    explicit Referee(const Match& rules) : match(rules), random(rules.seed) {
         for (auto& engine : engines) {
             engine = std::make_unique<Session>(Lines{"-cores", std::to_string(match.cores)});
         }
-        EXPECT_TRUE(game->setup(startPositionFEN));
+        EXPECT_TRUE(game->setup(match.start));
     }
 
     /// Plays one game; the result line, empty after a failure.
@@ -92,10 +95,9 @@ void Referee::openGame() {
         game->play(move);
     }
     const std::string level = "level " + std::to_string(match.movesPerSession) +
-                              " 0:" + std::to_string(match.baseSeconds) + ' ' +
-                              std::to_string(match.incrementSeconds);
+                              " 0:" + std::to_string(match.baseSeconds) + " 0";
     for (const auto& engine : engines) {
-        EXPECT_EQ(Lines(), engine->answersTo("new\n" + level + "\nforce" + moves));
+        EXPECT_EQ(Lines(), engine->answersTo(level + "\nsetboard " + match.start + moves));
     }
     clocks.fill(std::chrono::seconds(match.baseSeconds));
 }
@@ -164,9 +166,8 @@ std::string Referee::play() {
         const Move move = readMove();
         if (move == NoMove || testing::Test::HasFailure()) return {};
         game->play(move);
-        clocks[side] += std::chrono::seconds(match.incrementSeconds);
-        const unsigned fullMoves = (game->plyCount + 1) / 2;
-        if (match.movesPerSession && fullMoves % match.movesPerSession == 0) {
+        const unsigned movesOfSide = (game->plyCount + 1) / 2;
+        if (match.movesPerSession && movesOfSide % match.movesPerSession == 0) {
             clocks[side] += std::chrono::seconds(match.baseSeconds);
         }
         const std::string ending = result();
@@ -182,19 +183,35 @@ std::string Referee::play() {
     }
 }
 
-class SelfPlay : public testing::TestWithParam<unsigned> {};
+class SelfPlay : public testing::TestWithParam<Match> {};
 
 TEST_P(SelfPlay, PlaysACompleteGame) {
-    // A tenth of what is left stays on the clock for a session's last move: it has to outlast the
-    // stalls of a busy machine.
-    const Match session = {20, 10, 0, 2};
-    const Match wholeGame = {0, 2 * Slowdown, 0, GetParam() % 4 == 3 ? 2 : 1};
-    Referee referee(GetParam() == WholeGames ? session : wholeGame, GetParam());
-    const std::string result = referee.play();
+    const std::string result = Referee(GetParam()).play();
     EXPECT_FALSE(result.empty());
     RecordProperty("result", result);
 }
-INSTANTIATE_TEST_SUITE_P(Games, SelfPlay, testing::Range(0U, WholeGames + 1));
+
+std::vector<Match> games(unsigned count, const Match& rules) {
+    std::vector<Match> all(count, rules);
+    for (unsigned i = 0; i < count; ++i) {
+        all[i].seed += i;
+    }
+    return all;
+}
+
+// The time has to outlast the stalls of a busy machine: of a session's last move, the engine keeps
+// only a tenth back.
+INSTANTIATE_TEST_SUITE_P(OneCore,
+                         SelfPlay,
+                         testing::ValuesIn(games(16 / Slowdown,
+                                                 {startPositionFEN, 0, 2 * Slowdown, 1, 1})));
+INSTANTIATE_TEST_SUITE_P(TwoCores,
+                         SelfPlay,
+                         testing::ValuesIn(games(4 / Slowdown,
+                                                 {startPositionFEN, 0, 4 * Slowdown, 2, 101})));
+INSTANTIATE_TEST_SUITE_P(Sessions,
+                         SelfPlay,
+                         testing::Values(Match{"8/8/4k3/8/8/8/8/R3K3 w - - 0 1", 10, 5, 1, 201}));
 
 }  // namespace
 }  // namespace vatro::test
