@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 
+#include "board/piece_square_table.h"
 #include "support.h"
 
 namespace vatro {
@@ -42,9 +44,87 @@ std::vector<Move> pickAll(const Board_0x88& board,
 
 MoveList scoredMoves(const Board_0x88& board) {
     MoveList list;
-    generateLegalMoves(board, list);
-    board.sideToMove == White ? scoreMoves<White>(board, list) : scoreMoves<Black>(board, list);
+    const PinInfo info = computePins(board);
+    board.sideToMove == White ? generateScoredMoves<White>(board, info, list)
+                              : generateScoredMoves<Black>(board, info, list);
     return list;
+}
+
+MoveList scoredCaptures(const Board_0x88& board) {
+    MoveList list;
+    const PinInfo info = computePins(board);
+    board.sideToMove == White ? generateScoredCaptures<White>(board, info, list)
+                              : generateScoredCaptures<Black>(board, info, list);
+    return list;
+}
+
+constexpr int orderingValue[] = {0, 1, 2, 2, 3, 4, 5};  // by piece type
+
+/// The score of a move for the search, move by move as it is defined.
+int definedScore(const Board_0x88& board, Move move) {
+    const PieceType mover = board.pieceAt(fromSquare(move));
+    const PieceType victim = board.pieceAt(toSquareOf(move));
+    int gain = 0;
+    const int bonus = isBadCapture(board, move, gain) ? -50 : 1000;
+    if (typeOf(move) == EnPassant) return 64 - orderingValue[mover] + bonus;
+    const int into = isPromotion(move) ? orderingValue[promotionPiece(move)] : 0;
+    const int base = (into + 8 * orderingValue[victim]) * 8 - orderingValue[mover];
+    if (victim != NoPiece || isPromotion(move)) return base + bonus;
+    for (const unsigned ply : {board.ply, board.ply + 2}) {
+        for (const Move killer : board.plyRecords[ply].killers) {
+            if (((killer ^ move) & 0xFFF) == 0) return base + 150;
+        }
+    }
+    return base + pieceSquareTable.at(board.toMove(), mover, to64(move)).mg -
+           pieceSquareTable.at(board.toMove(), mover, from64(move)).mg;
+}
+
+int definedCaptureScore(const Board_0x88& board, Move move) {
+    const int mover = orderingValue[board.pieceOn[fromSquare(move)]];
+    const int victim = orderingValue[board.pieceOn[toSquareOf(move)]];
+    if (typeOf(move) == EnPassant) return 64 - mover;
+    if (isPromotion(move)) return 8 * (8 * victim + orderingValue[promotionPiece(move)]) - mover;
+    return 64 * victim - mover;
+}
+
+TEST(MoveScores, AreAsDefinedAndStandInGenerationOrder) {
+    TestRandom random(8);
+    const auto copy = std::make_unique<Board_0x88>();
+    const auto check = [&](const Board_0x88& board) {
+        MoveList plain;
+        generateLegalMoves(board, plain);
+        *copy = board;
+        for (const unsigned ply : {board.ply, board.ply + 2}) {
+            for (Move& killer : copy->plyRecords[ply].killers) {
+                killer = plain.count ? plain.moves[random.below(plain.count)].move : NoMove;
+            }
+        }
+        const MoveList scored = scoredMoves(*copy);
+        ASSERT_EQ(scored.count, plain.count) << board.toFEN();
+        for (unsigned i = 0; i < plain.count; ++i) {
+            const Move move = plain.moves[i].move;
+            ASSERT_EQ(scored.moves[i].move, move) << board.toFEN();
+            ASSERT_EQ(scored.moves[i].score, definedScore(*copy, move))
+                << board.toFEN() << ' ' << moveToText(move);
+        }
+        MoveList captures;
+        generateCaptures(board, computePins(board), captures);
+        const MoveList scoredOnes = scoredCaptures(board);
+        ASSERT_EQ(scoredOnes.count, captures.count) << board.toFEN();
+        for (unsigned i = 0; i < captures.count; ++i) {
+            const Move move = captures.moves[i].move;
+            ASSERT_EQ(scoredOnes.moves[i].move, move) << board.toFEN();
+            ASSERT_EQ(scoredOnes.moves[i].score, definedCaptureScore(board, move));
+        }
+    };
+    for (const char* fen : richPositions) {
+        for (int game = 0; game < 4; ++game) {
+            forEachRandomPosition(fen, 100, random, check);
+        }
+    }
+    for (const char* fen : oddPositions) {
+        forEachRandomPosition(fen, 30, random, check);
+    }
 }
 
 TEST(MovePicker, HandsOutPreferredMovesThenTheRestByScoreEachOnce) {
@@ -74,11 +154,8 @@ TEST(MovePicker, CapturesAreSortedByVictimThenAttacker) {
     TestRandom random(10);
     for (const char* fen : richPositions) {
         forEachRandomPosition(fen, 100, random, [](const Board_0x88& board) {
-            MoveList list;
-            generateCaptures(board, computePins(board), list);
-            scoreCaptures(board, list);
             ASSERT_EQ(pickAll(board, MovePicker::Phase::Captures, NoMove, NoMove),
-                      selectionOrder(list));
+                      selectionOrder(scoredCaptures(board)));
         });
     }
     const auto board = boardOf("4k3/8/8/1r1q4/2P1N3/8/8/3RK3 w - - 0 1");
