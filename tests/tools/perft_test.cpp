@@ -41,7 +41,7 @@ Counts perft(const std::string& fen, unsigned depth, unsigned megabytes) {
     return counts;
 }
 
-/// Count and hash written down word for word: entries as bytes, moves made with the game's make.
+/// Count and hash written down word for word: every node generates its list.
 class PlainPerft {
   public:
     explicit PlainPerft(unsigned megabytes) : entries((std::size_t{megabytes} << 20) / 16) {}
@@ -51,7 +51,7 @@ class PlainPerft {
         MoveList list;
         generateLegalMoves(board, list);
         if (depth == 1) return list.count;
-        const Key key = board.record().key;
+        const Key key = board.perftKeys[board.perftPly];
         const Key keyBits = key & 0xFFFFFFFFFFFF;
         Entry* bucket = &entries[(static_cast<std::uint32_t>(key) & (entries.size() / 4 - 1)) * 4];
         for (int i = 0; i < 4; ++i) {
@@ -62,9 +62,9 @@ class PlainPerft {
         std::uint64_t leaves = 0;
         for (const ScoredMove& entry : list) {
             UndoRecord undo;
-            makeMove(board, entry.move, undo);
+            makeMovePerft(board, entry.move, undo);
             leaves += count(board, depth - 1);
-            unmakeMove(board, entry.move, undo);
+            unmakeMovePerft(board, entry.move, undo);
         }
         *chooseSlot(bucket, keyBits) = {keyBits, leaves, depth};
         return leaves;
