@@ -42,14 +42,6 @@ class PerftHashTable {
     /// The entry that answers for `key` at `depth`, nullptr when there is none.
     const PerftEntry* probe(Key key, unsigned depth) const;
     void store(Key key, std::uint64_t leafCount, unsigned depth);
-    /// Asks the processor to fetch what a probe of `key` will read.
-    void prefetch(Key key) const {
-#if defined(__GNUC__)
-        __builtin_prefetch(&buckets[bucketOf(key)]);
-#else
-        (void)key;
-#endif
-    }
 
     std::uint32_t entryCount() const { return buckets.entryCount() * PerftBucket::Size; }
     /// Used entries among the first 65536, in percent of 65536.
