@@ -106,7 +106,10 @@ TEST_F(Player, DestructionEndsARunningSearch) {
 
 TEST_F(Player, OffersADrawOnlyWhenTheMoveAllowsTheClaim) {
     Game& game = player->game;
-    const auto play = [&](int from, int to) { game.play(makeMoveWord(from, to)); };
+    const auto play = [&](int from, int to) {
+        game.play(makeMoveWord(from, to));
+        EXPECT_FALSE(player->checkGameResult());  // as after every move; counts repetitions
+    };
     const int g1 = toSq64(G1), f3 = 21, g8 = toSq64(G8), f6 = 45;
     for (int round = 0; round < 2; ++round) {
         play(g1, f3);
@@ -120,8 +123,8 @@ TEST_F(Player, OffersADrawOnlyWhenTheMoveAllowsTheClaim) {
     EXPECT_TRUE(player->shouldOfferDraw(makeMoveWord(f6, g8)));
     EXPECT_TRUE(isConsistent(game.board));
     ASSERT_TRUE(game.setup("7k/5K2/8/6Q1/8/8/8/8 w - - 99 80"));
-    EXPECT_FALSE(player->shouldOfferDraw(makeMoveWord(38, 46)));  // stalemate or mate come first
-    EXPECT_TRUE(player->shouldOfferDraw(makeMoveWord(38, 37)));
+    EXPECT_FALSE(player->shouldOfferDraw(makeMoveWord(38, 46)));  // stalemate comes first
+    EXPECT_TRUE(player->shouldOfferDraw(makeMoveWord(38, 32)));
 }
 
 }  // namespace
