@@ -118,9 +118,10 @@ BENCHMARK(attackTest);
 
 template <Colour Us>
 std::uint64_t countWithoutHash(Board_0x88& board, unsigned depth) {
-    if (depth == 1) return countLegalMoves<Us>(board);
+    const PinInfo info = computePins<Us>(board, findCheckers<Us>(board));
+    if (depth == 1) return countLegalMoves<Us>(board, info);
     MoveList list;
-    generateLegalMoves<Us>(board, computePins<Us>(board, findCheckers<Us>(board)), list);
+    generateLegalMoves<Us>(board, info, list);
     std::uint64_t leaves = 0;
     for (const ScoredMove& entry : list) {
         UndoRecord undo;
