@@ -16,7 +16,7 @@ std::string outputOf(unsigned long games) {
     const auto game = std::make_unique<Game>();
     testing::internal::CaptureStdout();
     playRandomGames(*game, games);
-    const std::string text = testing::internal::GetCapturedStdout();
+    std::string text = testing::internal::GetCapturedStdout();
     EXPECT_EQ(game->plyCount, 0U);
     EXPECT_EQ(game->board.toFEN(), startPositionFEN);
     return text;
