@@ -77,7 +77,7 @@ TEST(Pawnless, DrivesTheWeakKing) {
         {"4k3/8/8/8/8/8/8/R3K3 w - - 0 1", 659},
         {"8/8/8/4k3/8/8/8/R3K3 w - - 0 1", 473},
         {"8/8/8/4k3/8/8/8/R3K3 b - - 0 1", -469},
-        {"4k2r/8/8/8/8/8/8/R3K3 w - - 0 1", 4},     // level: Black is the stronger side
+        {"4k2r/8/8/8/4K3/8/8/R7 w - - 0 1", 190},   // level: Black is the stronger side
         {"4kn2/8/8/8/8/8/8/R3K3 w - - 50 1", 310},  // not scaled
     };
     Evaluator evaluate;
