@@ -180,6 +180,20 @@ TEST(Tablebases, FileThatVanishesGivesNoAnswer) {
     EXPECT_EQ(tables.takeNotice(), "") << "said once";
 }
 
+TEST(Tablebases, CaptureThatAvertsAStalemateMustBeMade) {
+    // The black king has no move and the pawn on a4 only the capture of the pawn on b4.
+    const Position position = positionOf("8/8/8/8/pP6/K2B4/8/k7 b");
+    TemporaryDirectory directory;
+    writeTableOf(directory.path(), "KBPKP", {DrawCode});
+    writeTableOf(directory.path(), "KBKP", {codeOfPlies(3)});
+    const Tables tables(directory.path());
+    EXPECT_EQ(answer(tables, queryOf(position)), "draw");
+    EXPECT_EQ(answer(tables, queryOf(position, 17)), "W 4");
+    std::filesystem::remove(directory.path() + "/KBKP" + TableSuffix);
+    EXPECT_EQ(answer(Tables(directory.path()), queryOf(position, 17)), "none")
+        << "half an answer is none";
+}
+
 TEST(Tablebases, NotInitialisedFindsNothing) {
     TablebaseState tables;
     EXPECT_FALSE(tables.initialised());

@@ -57,16 +57,21 @@ void writeTableOf(const std::string& directory,
     TableHeader header = makeHeader(*parseMaterial(ending), DefaultBlockBits);
     std::vector<std::uint8_t> index(std::size_t{header.blockCount} * IndexEntrySize);
     std::vector<std::uint8_t> blocks;
+    std::vector<std::uint8_t> compressed(compressBound(header.blockSize()));
+    uLongf length = 0;
     for (std::uint64_t block = 0; block < header.blockCount; ++block) {
         const std::uint64_t first = block * header.blockSize();
-        std::vector<std::uint8_t> values;
-        for (std::uint64_t i = first;
-             i < std::min<std::uint64_t>(first + header.blockSize(), header.valueCount()); ++i) {
-            values.push_back(codes[i % codes.size()]);
+        const std::uint64_t count =
+            std::min<std::uint64_t>(header.blockSize(), header.valueCount() - first);
+        // Large tables of one value have one block over and over.
+        if (block == 0 || codes.size() > 1 || count < header.blockSize()) {
+            std::vector<std::uint8_t> values(count);
+            for (std::uint64_t i = 0; i < count; ++i) {
+                values[i] = codes[(first + i) % codes.size()];
+            }
+            length = compressed.size();
+            ASSERT_EQ(compress(compressed.data(), &length, values.data(), values.size()), Z_OK);
         }
-        std::vector<std::uint8_t> compressed(compressBound(values.size()));
-        uLongf length = compressed.size();
-        ASSERT_EQ(compress(compressed.data(), &length, values.data(), values.size()), Z_OK);
         blocks.insert(blocks.end(), compressed.begin(),
                       compressed.begin() + static_cast<std::ptrdiff_t>(length));
         putLittleEndian(&index[block * IndexEntrySize], length, 4);
