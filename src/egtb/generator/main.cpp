@@ -220,6 +220,8 @@ int run(int argc, char** argv) {
     }
     std::signal(SIGINT, interrupt);
     std::signal(SIGTERM, interrupt);
+    std::signal(SIGHUP, interrupt);
+    std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is an error like a full disk
 
     const bool makesTables = !options.verifies && !options.printsStatistics;
     std::vector<Material> list = allMaterials(options.pieces);
