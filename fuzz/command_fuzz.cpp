@@ -236,7 +236,7 @@ std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data,
         text += line + '\n';
     }
     const std::size_t length = std::min(text.size(), maxSize);
-    std::memcpy(data, text.data(), length);
+    std::copy_n(text.begin(), length, data);
     return length;
 }
 

@@ -22,7 +22,7 @@ void seedRandomGenerator() {
     const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
     const auto total =
         static_cast<std::uint64_t>(std::chrono::duration_cast<milliseconds>(sinceEpoch).count());
-    constexpr std::uint64_t MillisecondsPerDay = 24 * 60 * 60 * 1000;
+    constexpr std::uint64_t MillisecondsPerDay = 86'400'000;
     std::srand(static_cast<std::uint32_t>((total % MillisecondsPerDay) * (total / 1000)));
 }
 

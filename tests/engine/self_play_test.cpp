@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "board/attacks.h"
+#include "board/console.h"
 #include "board/draw.h"
 #include "board/game.h"
 #include "board/move_generation.h"
@@ -102,11 +103,10 @@ void Referee::openGame() {
         moves += "\nusermove " + moveToText(move);
         game->play(move);
     }
-    const std::string level = "level " + std::to_string(match.movesPerSession) +
-                              " 0:" + std::to_string(match.baseSeconds) + " 0";
+    const std::string setUp = formatted("level %d 0:%d 0%s\nsetboard %s", match.movesPerSession,
+                                        match.baseSeconds, depthLimit, match.start);
     for (const auto& engine : engines) {
-        EXPECT_EQ(Lines(),
-                  engine->answersTo(level + depthLimit + "\nsetboard " + match.start + moves));
+        EXPECT_EQ(Lines(), engine->answersTo(setUp + moves));
     }
     clocks.fill(std::chrono::seconds(match.baseSeconds));
 }
@@ -185,7 +185,7 @@ std::string Referee::play() {
         EXPECT_EQ(ending == "claimed draw", drawOffered) << game->board.toFEN();
         // The other engine takes the side to move with its first move of the game.
         line = "usermove " + moveToText(move);
-        if (game->plyCount == 5) line = "force\n" + line + "\ngo";
+        if (game->plyCount == 5) line += "\ngo";
         if (ending.empty()) continue;
         // Here the engine that made the move comes second: the side to move has changed.
         toMove().send("force\nusermove " + moveToText(move));

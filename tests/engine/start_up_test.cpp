@@ -56,7 +56,8 @@ TEST(StartUp, SurvivesAnyConfigurationFile) {
     for (int i = 0; i < 100000; ++i) {
         binary += static_cast<char>((i * 7919) >> 3);
     }
-    const std::string oneLine(20'000'000, 'x');
+    std::string oneLine;
+    oneLine.resize(20'000'000, 'x');
     for (const std::string& content : {binary, oneLine, std::string("=\n=\n\n#\n\"=\"\"\n")}) {
         EXPECT_TRUE(outputToPrompt({}, content).ends_with("# Your move: "));
     }
