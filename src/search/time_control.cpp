@@ -28,8 +28,9 @@ std::uint32_t TimeControl::clockReading() const {
 
 void TimeControl::startSearch() {
     searchStart = clockReading();
+    searchStartedAt = clockNow();
     if (clockRunning) return;
-    clockStart = clockNow();
+    clockStart = searchStartedAt.load();
     clockRunning = true;
 }
 

@@ -15,10 +15,11 @@ std::uint32_t clockNow();
 
 struct TimeControl {
     std::atomic<bool> clockRunning{false};
-    std::atomic<std::uint32_t> timeUsed{0};     // by the engine in this game, clock stopped
-    std::atomic<std::uint32_t> clockStart{0};   // clockNow() when the clock was started
-    std::atomic<std::uint32_t> searchStart{0};  // clock reading when the search began
-    std::atomic<std::int32_t> timeForMove{0};   // allotted to this move; negative when overdrawn
+    std::atomic<std::uint32_t> timeUsed{0};         // by the engine in this game, clock stopped
+    std::atomic<std::uint32_t> clockStart{0};       // clockNow() when the clock was started
+    std::atomic<std::uint32_t> searchStart{0};      // clock reading when the search began
+    std::atomic<std::uint32_t> searchStartedAt{0};  // clockNow() then
+    std::atomic<std::int32_t> timeForMove{0};  // allotted to this move; negative when overdrawn
     std::atomic<std::uint32_t> movesPerSession{40};  // 0: one session is the whole game
     std::atomic<std::uint32_t> baseTime{30000};      // per session
     std::atomic<std::uint32_t> increment{0};         // per move
@@ -28,9 +29,10 @@ struct TimeControl {
 
     /// The engine's time so far in this game.
     std::uint32_t clockReading() const;
-    /// Time used by the current search.
+    /// Time since the current search began. The interface may set the clock meanwhile: that must
+    /// not end the search.
     std::int32_t searchTime() const {
-        return static_cast<std::int32_t>(clockReading() - searchStart);
+        return static_cast<std::int32_t>(clockNow() - searchStartedAt);
     }
 
     /// Starts the clock for a search, or lets it run on, and marks the search's start.

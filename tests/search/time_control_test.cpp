@@ -52,12 +52,21 @@ TEST(TimeControl, ARunningClockGoesOnIntoTheNextSearch) {
     control.startSearch();
     EXPECT_EQ(control.searchStart, 500U);
     control.clockStart -= 30;  // as if 0.3 s had passed
+    control.searchStartedAt -= 30;
     EXPECT_GE(control.searchTime(), 30);
     control.startSearch();
     EXPECT_GE(control.searchStart, 530U);
     control.stop();
     EXPECT_GE(control.timeUsed, 530U);
     EXPECT_EQ(control.clockReading(), control.timeUsed);
+}
+
+TEST(TimeControl, SettingTheClockLeavesTheTimeOfTheSearch) {
+    TimeControl control;
+    control.startSearch();
+    control.timeUsed = 260000;
+    EXPECT_LT(control.searchTime(), 100);
+    EXPECT_GE(control.clockReading(), 260000U);
 }
 
 }  // namespace
