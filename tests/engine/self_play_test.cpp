@@ -4,6 +4,7 @@
 // board's rules, and takes any other line than the protocol's for a fault.
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <memory>
 #include <ostream>
 #include <random>
