@@ -5,6 +5,7 @@
 #pragma once
 
 #include "board/board.h"
+#include "board/zobrist.h"
 
 namespace vatro {
 
@@ -28,6 +29,21 @@ template <Colour Us>
 void makeMovePerft(Board_0x88& board, Move move, UndoRecord& undo);
 template <Colour Us>
 void unmakeMovePerft(Board_0x88& board, Move move, const UndoRecord& undo);
+
+/// The key after a move that captures, moves or neither; castlings, promotions and en passant are
+/// not told apart. For a prefetch, which may guess.
+inline Key likelyKeyAfter(const Board_0x88& board, Move move) {
+    const Square from = fromSquare(move);
+    const Square to = toSquareOf(move);
+    const Colour us = board.toMove();
+    const PieceType mover = board.pieceAt(from);
+    const PieceType victim = board.pieceAt(to);
+    Key key = board.record().key ^ zobrist.side ^ zobrist.pieceSquare(us, mover, from64(move)) ^
+              zobrist.pieceSquare(us, mover, to64(move));
+    if (victim != NoPiece) key ^= zobrist.pieceSquare(~us, victim, to64(move));
+    if (board.epSquare != NoSquare) key ^= zobrist.epFile[fileOf(board.epSquare)];
+    return key;
+}
 
 /// What a null move changes besides the side to move.
 struct NullUndo {

@@ -57,11 +57,12 @@ inline int Searcher::searchMoves(
     UndoRecord undo;
     while (const Move move = picker.next<Us>()) {
         ++number;
+        // A child beyond the horizon does not ask the table, unless in check.
+        if (depth > 1) context.transpositionTable.prefetch(likelyKeyAfter(board, move));
         handDown(line, move, 2, childLine);
         const bool reduces = Reduces && isReducible<Us>(board, move, number, depth);
         board.record().movePlayed = move;
         makeMove<Us>(board, move, undo);
-        context.transpositionTable.prefetch(board.record().key);
         const int score = searchReduced<Us>(std::max(best, bounds.alpha), bounds.beta, height + 1,
                                             depth, number, reduces, childLine);
         unmakeMove<Us>(board, move, undo);
