@@ -12,6 +12,7 @@ namespace vatro::egtb {
 namespace {
 
 constexpr std::uint32_t BlockSize = 1024;
+constexpr std::size_t SlotBytes = BlockSize;
 using Block = std::array<std::uint8_t, BlockSize>;
 
 /// A block whose values tell which block and which offset they belong to.
@@ -28,7 +29,7 @@ void insert(BlockCache& cache, int table, std::uint32_t block, std::uint32_t siz
 }
 
 TEST(BlockCache, NeverHoldsMoreThanFits) {
-    BlockCache cache(10 * BlockSize + BlockSize / 2, BlockSize);
+    BlockCache cache(10 * SlotBytes + SlotBytes / 2, BlockSize);
     EXPECT_EQ(cache.capacity(), 10U);
     for (std::uint32_t block = 0; block < 1000; ++block) {
         insert(cache, 3, block);
@@ -56,7 +57,7 @@ TEST(BlockCache, WithoutRoomItHoldsNothing) {
 }
 
 TEST(BlockCacheThreads, ReadersSeeOnlyWholeBlocks) {
-    BlockCache cache(8 * BlockSize, BlockSize);
+    BlockCache cache(8 * SlotBytes, BlockSize);
     std::atomic<int> wrong{0};
     std::atomic<std::uint64_t> hits{0};
     const auto work = [&](std::uint32_t seed) {

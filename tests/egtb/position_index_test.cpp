@@ -80,7 +80,7 @@ TEST(PositionIndex, SizesUseSymmetry) {
         {"KQK", 462 * 64},            // kings up to eight symmetries
         {"KPK", 48 * 1806},           // up to left and right
         {"KQQK", 462 * 64 * 63 / 2},  // like men once
-        {"KPPKP", std::uint64_t{48 * 47 / 2 * 48} * 1806},
+        {"KPPKP", std::uint64_t{48} * 47 / 2 * 48 * 1806},
     };
     for (const auto& [ending, size] : cases) {
         EXPECT_EQ(PositionIndex(*parseMaterial(ending)).size(), size) << ending;

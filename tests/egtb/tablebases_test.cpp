@@ -220,8 +220,10 @@ TEST(TablebaseThreads, TablesMayBeReplacedUnderProbes) {
         expected = answer(alone, queryOf(position));
         ASSERT_NE(expected, "none");
     }
+    constexpr int ThreadCount = 3;
     std::vector<std::thread> threads;
-    for (int i = 0; i < 3; ++i) {
+    threads.reserve(ThreadCount);
+    for (int i = 0; i < ThreadCount; ++i) {
         threads.emplace_back([&, i] {
             while (!stop) {
                 const std::string got = answer(tables, queryOf(position), i != 0);

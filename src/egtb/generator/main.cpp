@@ -122,7 +122,7 @@ bool forEachEnding(const std::vector<Material>& list, Task task) {
     return true;
 }
 
-bool makeAll(const Options& options, std::vector<Material> list) {
+bool makeAll(const Options& options, const std::vector<Material>& list) {
     std::vector<Material> missing;
     for (const Material& material : list) {
         if (tableState(options.directory, material) != TableState::Complete) {

@@ -7,7 +7,7 @@
 namespace vatro::egtb {
 namespace {
 
-constexpr int BarWidth = 30;
+constexpr std::size_t BarWidth = 30;
 constexpr std::chrono::milliseconds UpdateInterval{200};
 
 double secondsSince(std::chrono::steady_clock::time_point start) {
@@ -32,9 +32,8 @@ void Progress::update(const char* step, double part) {
     if (!isTerminal || Clock::now() - lastUpdate < UpdateInterval) return;
     lastUpdate = Clock::now();
     const double done = (workDone + part * taskWork) / totalWork;
-    std::string bar(BarWidth, '.');
-    bar.replace(0, static_cast<std::size_t>(done * BarWidth),
-                static_cast<std::size_t>(done * BarWidth), '#');
+    const auto filled = static_cast<std::size_t>(done * BarWidth);
+    const std::string bar = std::string(filled, '#') + std::string(BarWidth - filled, '.');
     std::string left = "--:--";
     // Before that the estimate says nothing.
     if (done > 0.01) {

@@ -65,8 +65,7 @@ class Family {
         bool isSwapped = false;
     };
     static std::size_t keyOf(const Material& material) {
-        return static_cast<std::size_t>(material.side[White].key() * MenKeyCount +
-                                        material.side[Black].key());
+        return std::size_t{MenKeyCount} * material.side[White].key() + material.side[Black].key();
     }
     std::vector<Entry> tables;
 };
