@@ -1,0 +1,72 @@
+// tests/search/tablebase_play_test.cpp - endings that the tablebases know are played to their end.
+#include <random>
+
+#include <gtest/gtest.h>
+
+#include "bench/fixed_search.h"
+#include "board/attacks.h"
+#include "board/move_generation.h"
+#include "egtb/test_tables.h"
+#include "eval/scores.h"
+
+namespace vatro {
+namespace {
+
+struct TablebasePlay : testing::Test {
+    void SetUp() override {
+        ASSERT_TRUE(search.tablebases.initialise(egtb::tablesOf({"KQKR", "KBNK"}), 1 << 22));
+    }
+
+    /// A random position of an ending, "KQKR" for example; false when it is not a legal one.
+    bool place(const std::string& ending) {
+        game->plyCount = 0;
+        game->board.clearBoard();
+        Colour colour = Black;
+        for (const char piece : ending) {
+            if (piece == 'K') colour = ~colour;
+            const auto type = static_cast<PieceType>(std::string("?PNBRQK").find(piece));
+            const Square square = toSquare(static_cast<int>(generator() % 64));
+            if (game->board.pieceOn[square] != NoPiece) return false;
+            if (!game->board.addPiece(square, type, colour)) return false;
+        }
+        return game->setup(game->board.toFEN().c_str()) &&
+               !isAttacked(game->board, game->board.kingSquare(Black), White);
+    }
+
+    std::mt19937 generator{20};
+    std::unique_ptr<Game> game = std::make_unique<Game>();
+    FixedSearch search;
+};
+
+TEST_F(TablebasePlay, WonEndingsMateInTheAnnouncedNumberOfPlies) {
+    int won = 0;
+    for (int tries = 0; won < 200 && tries < 2000; ++tries) {
+        if (!place(tries % 2 ? "KQKR" : "KBNK")) continue;
+        Move move = search.run(game->board, 1).best;
+        if (move == NoMove) continue;
+        ASSERT_EQ(search.record.lines.size(), 1U);
+        EXPECT_EQ(search.record.lines[0].depth, 0U);
+        const int score = search.record.lines[0].score;
+        if (score <= MateThreshold) continue;
+        SCOPED_TRACE(game->board.toFEN());
+        ++won;
+        unsigned plies = 0;
+        for (; move != NoMove && plies < 200; ++plies) {
+            game->play(move);
+            move = search.run(game->board, 1).best;
+        }
+        EXPECT_EQ(static_cast<int>(plies), MateScore - score);
+        EXPECT_TRUE(inCheck(game->board));
+    }
+    EXPECT_EQ(won, 200);
+}
+
+TEST_F(TablebasePlay, CastlingRightsKeepThePositionOutOfTheTables) {
+    ASSERT_TRUE(game->setup("4k2r/8/8/8/8/8/8/K2Q4 w k - 0 1"));
+    search.run(game->board, 3);
+    EXPECT_GT(search.record.lines.back().depth, 0U);
+    EXPECT_GT(search.searcher->statistics.tbHits, 0U);  // where the right is gone
+}
+
+}  // namespace
+}  // namespace vatro
