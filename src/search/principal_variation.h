@@ -19,6 +19,7 @@ struct PrincipalVariation {
     PrincipalVariation() {}  // NOLINT(modernize-use-equals-default): does not clear the moves
     PrincipalVariation(const PrincipalVariation& other) { *this = other; }
     PrincipalVariation& operator=(const PrincipalVariation& other) {
+        if (this == &other) return *this;
         length = other.length;
         std::copy_n(other.moves, length, moves);
         return *this;
