@@ -31,7 +31,7 @@ build() {
     if [ ! -e build/CMakeCache.txt ]; then
         cmake -S . -B build -DCMAKE_BUILD_TYPE=Release || return 1
     fi
-    cmake --build build --target vatro --parallel "$(getconf _NPROCESSORS_ONLN)" || return 1
+    cmake --build build --target vatro vatro-tbgen --parallel "$(getconf _NPROCESSORS_ONLN)" || return 1
     mv $built.new $built
 }
 
