@@ -47,7 +47,8 @@ struct KeptRights {
 constexpr KeptRights keptRights;
 
 template <Track T>
-void movePiece(Board_0x88& board, Square from, Square to, Colour colour, Keys* keys) {
+[[gnu::always_inline]] inline void movePiece(
+    Board_0x88& board, Square from, Square to, Colour colour, Keys* keys) {
     const PieceType type = board.pieceAt(from);
     const int slot = board.slotOn[from];
     board.pieceOn[from] = NoPiece;
@@ -76,7 +77,10 @@ void movePiece(Board_0x88& board, Square from, Square to, Colour colour, Keys* k
 
 /// Takes a piece off and returns it as the undo record keeps it.
 template <Track T>
-std::uint8_t removePiece(Board_0x88& board, Square square, Colour colour, Keys& keys) {
+[[gnu::always_inline]] inline std::uint8_t removePiece(Board_0x88& board,
+                                                       Square square,
+                                                       Colour colour,
+                                                       Keys& keys) {
     const PieceType type = board.pieceAt(square);
     const int slot = board.slotOn[square];
     PieceList& list = board.pieceLists[colour];
