@@ -11,6 +11,7 @@
 #include "board/board.h"
 #include "board/make_move.h"
 #include "board/move_generation.h"
+#include "board/move_ordering.h"
 #include "board/side.h"
 
 namespace vatro {

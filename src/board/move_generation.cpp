@@ -125,12 +125,6 @@ void generateLegalMoves(const Board_0x88& board, const PinInfo& info, MoveList& 
 }
 
 template <Colour Us>
-void generateCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list) {
-    ListSink sink{list};
-    Generator<Us, Kind::Captures, ListSink>(board, info, sink).generate();
-}
-
-template <Colour Us>
 unsigned countLegalMoves(const Board_0x88& board, const PinInfo& info) {
     CountSink sink;
     Generator<Us, Kind::All, CountSink>(board, info, sink).generate();
@@ -148,8 +142,6 @@ Move drawLegalMove(const Board_0x88& board) {
 
 template void generateLegalMoves<White>(const Board_0x88&, const PinInfo&, MoveList&);
 template void generateLegalMoves<Black>(const Board_0x88&, const PinInfo&, MoveList&);
-template void generateCaptures<White>(const Board_0x88&, const PinInfo&, MoveList&);
-template void generateCaptures<Black>(const Board_0x88&, const PinInfo&, MoveList&);
 template unsigned countLegalMoves<White>(const Board_0x88&, const PinInfo&);
 template unsigned countLegalMoves<Black>(const Board_0x88&, const PinInfo&);
 template Move drawLegalMove<White>(const Board_0x88&);
@@ -162,11 +154,6 @@ void generateLegalMoves(const Board_0x88& board, const PinInfo& info, MoveList& 
 
 void generateLegalMoves(const Board_0x88& board, MoveList& list) {
     generateLegalMoves(board, computePins(board), list);
-}
-
-void generateCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list) {
-    board.sideToMove == White ? generateCaptures<White>(board, info, list)
-                              : generateCaptures<Black>(board, info, list);
 }
 
 unsigned countLegalMoves(const Board_0x88& board) {

@@ -13,8 +13,6 @@ namespace vatro {
 void generateLegalMoves(const Board_0x88& board, const PinInfo& info, MoveList& list);
 /// The same for a list of its own: finds pins and checkers itself.
 void generateLegalMoves(const Board_0x88& board, MoveList& list);
-/// Appends the legal captures and the promotions to a queen, for quiescence.
-void generateCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list);
 /// How many moves generateLegalMoves would list.
 unsigned countLegalMoves(const Board_0x88& board);
 /// What pickRandomMove would draw from the list of generateLegalMoves, without making that list.
@@ -23,8 +21,6 @@ Move drawLegalMove(const Board_0x88& board);
 // The same for a side to move that the caller knows.
 template <Colour Us>
 void generateLegalMoves(const Board_0x88& board, const PinInfo& info, MoveList& list);
-template <Colour Us>
-void generateCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list);
 template <Colour Us>
 unsigned countLegalMoves(const Board_0x88& board, const PinInfo& info);
 template <Colour Us>

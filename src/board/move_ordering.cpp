@@ -190,16 +190,21 @@ void generateScoredMoves(const Board_0x88& board, const PinInfo& info, MoveList&
 }
 
 template <Colour Us>
-void generateScoredCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list) {
+void generateCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list) {
     CaptureSink sink(board, list);
     Generator<Us, Kind::Captures, CaptureSink>(board, info, sink).generate();
+}
+
+void generateCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list) {
+    board.sideToMove == White ? generateCaptures<White>(board, info, list)
+                              : generateCaptures<Black>(board, info, list);
 }
 
 template bool isBadCapture<White>(const Board_0x88&, Move, int&);
 template bool isBadCapture<Black>(const Board_0x88&, Move, int&);
 template void generateScoredMoves<White>(const Board_0x88&, const PinInfo&, MoveList&);
 template void generateScoredMoves<Black>(const Board_0x88&, const PinInfo&, MoveList&);
-template void generateScoredCaptures<White>(const Board_0x88&, const PinInfo&, MoveList&);
-template void generateScoredCaptures<Black>(const Board_0x88&, const PinInfo&, MoveList&);
+template void generateCaptures<White>(const Board_0x88&, const PinInfo&, MoveList&);
+template void generateCaptures<Black>(const Board_0x88&, const PinInfo&, MoveList&);
 
 }  // namespace vatro

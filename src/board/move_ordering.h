@@ -25,6 +25,7 @@ void generateScoredMoves(const Board_0x88& board, const PinInfo& info, MoveList&
 
 /// Appends the legal captures and promotions to a queen, scored by victim and attacker alone.
 template <Colour Us>
-void generateScoredCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list);
+void generateCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list);
+void generateCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list);
 
 }  // namespace vatro

@@ -87,7 +87,7 @@ Move MovePicker::next() {
             if (phase == Phase::AllMoves) {
                 generateScoredMoves<Us>(board, info, list);
             } else {
-                generateScoredCaptures<Us>(board, info, list);
+                generateCaptures<Us>(board, info, list);
             }
             [[fallthrough]];
         case Stage::Rest:

@@ -30,6 +30,39 @@ bool passedTwice(const Board_0x88& board, int height) {
 }  // namespace
 
 template <Colour Us>
+inline bool Searcher::isDecided(int alpha,
+                                int beta,
+                                int height,
+                                int depth,
+                                PrincipalVariation& line,
+                                NodeBounds& bounds,
+                                Move& tableMove,
+                                int& score) {
+    DrawReason reason;
+    if (!enterNode()) {
+        score = AbortScore;
+        return true;
+    }
+    if (isDraw(board, reason)) {
+        score = DrawScore;
+        return true;
+    }
+    bounds = boundsAt<Us>(alpha, beta, height);
+    if (bounds.isEmpty()) {
+        score = bounds.alpha;
+        store(bounds, height, depth, score, NoMove);
+        return true;
+    }
+    const TTProbe known = context.transpositionTable.probe(
+        board.record().key, {bounds.alpha, bounds.beta, height, depth});
+    statistics.ttHits += known.hit;
+    tableMove = known.move;
+    score = known.score;
+    if (known.cutoff && tableMove) line.setTo(tableMove);
+    return known.cutoff;
+}
+
+template <Colour Us>
 int Searcher::alphaBeta(int alpha, int beta, int height, int depth, PrincipalVariation& line) {
     constexpr Colour Them = Side<Us>::Them;
 
@@ -38,27 +71,13 @@ int Searcher::alphaBeta(int alpha, int beta, int height, int depth, PrincipalVar
         return searchEvasions<Us>(checkers, alpha, beta, height, depth + 1, line);
     }
 
-    // 2. Time, draws, and the scores that are still possible.
-    if (!enterNode()) return AbortScore;
-    DrawReason reason;
-    if (isDraw(board, reason)) return DrawScore;
-    const NodeBounds bounds = boundsAt<Us>(alpha, beta, height);
-    if (bounds.isEmpty()) {
-        store(bounds, height, depth, bounds.alpha, NoMove);
-        return bounds.alpha;
-    }
+    // 2. Time, draws, the scores that are still possible, and the transposition table.
+    NodeBounds bounds;
+    Move tableMove;
+    int early;
+    if (isDecided<Us>(alpha, beta, height, depth, line, bounds, tableMove, early)) return early;
 
-    // 3. The transposition table.
-    const TTProbe known = context.transpositionTable.probe(
-        board.record().key, {bounds.alpha, bounds.beta, height, depth});
-    statistics.ttHits += known.hit;
-    if (known.cutoff) {
-        if (known.move) line.setTo(known.move);
-        return known.score;
-    }
-    Move tableMove = known.move;
-
-    // 4. The tablebases: near the root from disk, further down from their cache.
+    // 3. The tablebases: near the root from disk, further down from their cache.
     if (board.totalCount() <= MaxTablebasePieces && context.tablebases.initialised()) {
         const int sure = static_cast<int>(iterationDepth) - 7;
         int score;
@@ -68,11 +87,11 @@ int Searcher::alphaBeta(int alpha, int beta, int height, int depth, PrincipalVar
         }
     }
 
-    // 5. The static score, and a stop where the line has no room left.
+    // 4. The static score, and a stop where the line has no room left.
     const int eval = evaluateHere(bounds.alpha, bounds.beta);
     if (isLineFull(board)) return eval;
 
-    // 6. Razoring: far below alpha, only captures can help.
+    // 5. Razoring: far below alpha, only captures can help.
     if (depth <= RazoringDepth && bounds.isNull() && !tableMove &&
         bounds.alpha >= -MateThreshold - 1 && bounds.alpha < MateThreshold) {
         const int threshold = bounds.alpha - RazoringBase - RazoringStep * depth;
@@ -84,7 +103,7 @@ int Searcher::alphaBeta(int alpha, int beta, int height, int depth, PrincipalVar
         }
     }
 
-    // 7. Static pruning: so far above beta that the depth left will not change it.
+    // 6. Static pruning: so far above beta that the depth left will not change it.
     if (depth <= StaticPruningDepth && !isBeyondMate(bounds.alpha) && !isBeyondMate(bounds.beta)) {
         const int score = eval - StaticPruningStep * depth;
         if (score >= bounds.beta) {
@@ -93,7 +112,7 @@ int Searcher::alphaBeta(int alpha, int beta, int height, int depth, PrincipalVar
         }
     }
 
-    // 8. Null move: if passing is good enough, moving is.
+    // 7. Null move: if passing is good enough, moving is.
     if (depth >= NullMoveDepth && bounds.isNull() && eval >= bounds.beta &&
         !passedTwice(board, height) && board.totalCount(Us) - board.count(Us, Pawn) > 1) {
         NullUndo undo;
@@ -113,7 +132,7 @@ int Searcher::alphaBeta(int alpha, int beta, int height, int depth, PrincipalVar
         }
     }
 
-    // 9. Internal iterative deepening: a shallower search finds the move to try first.
+    // 8. Internal iterative deepening: a shallower search finds the move to try first.
     if (!tableMove && depth >= IterativeDepth && !bounds.isNull()) {
         PrincipalVariation scratch;
         alphaBeta<Us>(bounds.alpha, bounds.beta, height, depth - 2, scratch);
@@ -121,7 +140,7 @@ int Searcher::alphaBeta(int alpha, int beta, int height, int depth, PrincipalVar
         tableMove = scratch.first();
     }
 
-    // 10. The moves; a forced one costs no depth near the root.
+    // 9. The moves; a forced one costs no depth near the root.
     const PinInfo pins = computePins<Us>(board, 0);
     if (height <= SingleReplyHeight && countLegalMoves<Us>(board, pins) == 1) ++depth;
     MovePicker picker(board, pins, MovePicker::Phase::AllMoves);
@@ -133,25 +152,14 @@ int Searcher::alphaBeta(int alpha, int beta, int height, int depth, PrincipalVar
 template <Colour Us>
 int Searcher::searchEvasions(
     SquareMask checkers, int alpha, int beta, int height, int depth, PrincipalVariation& line) {
-    if (!enterNode()) return AbortScore;
-    DrawReason reason;
-    if (isDraw(board, reason)) return DrawScore;
-    const NodeBounds bounds = boundsAt<Us>(alpha, beta, height);
-    if (bounds.isEmpty()) {
-        store(bounds, height, depth, bounds.alpha, NoMove);
-        return bounds.alpha;
-    }
-    const TTProbe known = context.transpositionTable.probe(
-        board.record().key, {bounds.alpha, bounds.beta, height, depth});
-    statistics.ttHits += known.hit;
-    if (known.cutoff) {
-        if (known.move) line.setTo(known.move);
-        return known.score;
-    }
+    NodeBounds bounds;
+    Move tableMove;
+    int early;
+    if (isDecided<Us>(alpha, beta, height, depth, line, bounds, tableMove, early)) return early;
     if (isLineFull(board)) return evaluateHere(bounds.alpha, bounds.beta);
 
     MovePicker picker(board, computePins<Us>(board, checkers), MovePicker::Phase::AllMoves);
-    picker.prefer(line.first(), known.move);
+    picker.prefer(line.first(), tableMove);
     const int score = searchMoves<Us, false>(picker, bounds, height, depth, line);
     return score == NoMoveScore ? height - MateScore : score;  // checkmate
 }

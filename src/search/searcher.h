@@ -95,6 +95,17 @@ class alignas(64) Searcher {
     bool enterNode();
     template <Colour Us>
     NodeBounds boundsAt(int alpha, int beta, int height) const;
+    /// What alphaBeta and searchEvasions do first. True when that decides the node, with its score;
+    /// else the node's window and the table's move are set.
+    template <Colour Us>
+    bool isDecided(int alpha,
+                   int beta,
+                   int height,
+                   int depth,
+                   PrincipalVariation& line,
+                   NodeBounds& bounds,
+                   Move& tableMove,
+                   int& score);
     int evaluateHere(int alpha, int beta);
     void store(const NodeBounds& bounds, int height, int depth, int score, Move move);
     template <Colour Us>

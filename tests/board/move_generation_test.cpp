@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "board/game.h"
+#include "board/move_ordering.h"
 #include "support.h"
 
 namespace vatro {

@@ -53,8 +53,8 @@ MoveList scoredMoves(const Board_0x88& board) {
 MoveList scoredCaptures(const Board_0x88& board) {
     MoveList list;
     const PinInfo info = computePins(board);
-    board.sideToMove == White ? generateScoredCaptures<White>(board, info, list)
-                              : generateScoredCaptures<Black>(board, info, list);
+    board.sideToMove == White ? generateCaptures<White>(board, info, list)
+                              : generateCaptures<Black>(board, info, list);
     return list;
 }
 
