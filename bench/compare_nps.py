@@ -4,7 +4,9 @@
 Usage: compare_nps.py [--seconds S] path/to/vatro uci-engine...
 A UCI engine may carry arguments: "gnuchess --uci". Every engine searches each position for S
 seconds (3) on one thread; nodes are divided by the processor time that the search took, since
-other work on the machine would distort the wall clock. Linux only: reads /proc.
+other work on the machine would distort the wall clock. The engines take turns, and each is started
+once for all positions, as an interface does: the system's work of finding the memory of the tables
+falls on the first. Linux only: reads /proc.
 """
 import os
 import re
@@ -48,11 +50,16 @@ class Engine:
         self.process.wait()
 
 
-def search_uci(command, fen, seconds):
+def start_uci(command):
     engine = Engine(command)
     engine.send("uci\nisready")
     next(line for line in engine.lines() if "readyok" in line)
-    engine.send(f"ucinewgame\nposition fen {fen}")
+    return engine
+
+
+def search_uci(engine, fen, seconds):
+    engine.send(f"ucinewgame\nposition fen {fen}\nisready")
+    next(line for line in engine.lines() if "readyok" in line)
     start = engine.processor_time()
     engine.send(f"go movetime {int(seconds * 1000)}")
     nodes = 0
@@ -62,13 +69,17 @@ def search_uci(command, fen, seconds):
         if line.startswith("bestmove"):
             break
     used = engine.processor_time() - start
-    engine.close()
     return nodes / max(used, 0.01)
 
 
-def search_vatro(command, fen, seconds):
+def start_vatro(command):
     engine = Engine(command)
-    engine.send(f"xboard\nnobook\nlevel 0 1000 0\nsetboard {fen}\nping 1")
+    engine.send("xboard\nnobook\nlevel 0 1000 0")
+    return engine
+
+
+def search_vatro(engine, fen, seconds):
+    engine.send(f"setboard {fen}\nping 1")
     next(line for line in engine.lines() if line.startswith("pong"))
     start = engine.processor_time()
     engine.send("go")
@@ -76,7 +87,6 @@ def search_vatro(command, fen, seconds):
     engine.send("force")
     totals = next(line for line in engine.lines() if line.startswith("# total nodes"))
     used = engine.processor_time() - start
-    engine.close()
     return int(re.search(r"= (\d+)", totals).group(1)) / max(used, 0.01)
 
 
@@ -87,10 +97,13 @@ def main():
         seconds = float(arguments[1])
         arguments = arguments[2:]
     speeds = {command: [] for command in arguments}
+    engines = [(start_uci if i else start_vatro)(command) for i, command in enumerate(arguments)]
     for fen in POSITIONS:
         for i, command in enumerate(arguments):
             search = search_uci if i else search_vatro
-            speeds[command].append(search(command, fen, seconds))
+            speeds[command].append(search(engines[i], fen, seconds))
+    for engine in engines:
+        engine.close()
     for command, values in speeds.items():
         each = " ".join(f"{value / 1e6:5.2f}" for value in values)
         print(f"{command:30} median {statistics.median(values) / 1e6:5.2f} M nodes/s  [{each}]")

@@ -51,6 +51,15 @@ inline void forEachOnRays(int from, SquareMask targets, int firstRay, Visit visi
     }
 }
 
+/// The squares that pawns of a colour attack from any of `squares`.
+template <Colour Us>
+constexpr SquareMask pawnReach(SquareMask squares) {
+    constexpr SquareMask fileA = 0x0101010101010101ULL;
+    constexpr SquareMask fileH = fileA << 7;
+    return Us == White ? ((squares & ~fileA) << 7) | ((squares & ~fileH) << 9)
+                       : ((squares & ~fileA) >> 9) | ((squares & ~fileH) >> 7);
+}
+
 template <Colour Us, Kind K, typename Sink>
 class Generator {
   public:
@@ -72,9 +81,15 @@ class Generator {
 
     void generate() {
         addEnPassant();
-        const PieceList& list = board.pieceLists[Us];
-        for (const Square square : list.squares) {
-            if (square != NoSquare) addPieceMoves(square);
+        addFromHomeSlots<King>();
+        addFromHomeSlots<Queen>();
+        addFromHomeSlots<Rook>();
+        addFromHomeSlots<Bishop>();
+        addFromHomeSlots<Knight>();
+        if (board.pieceLists[Us].counts[PieceList::Surplus] == 0) {
+            addAllPawns();
+        } else {
+            addPawnsAndSurplus();
         }
         if constexpr (K == Kind::All) {
             if (!info.inCheck() && board.castlingRights) addCastling();
@@ -85,50 +100,96 @@ class Generator {
     using S = Side<Us>;
     static constexpr int NoKing = -1;
 
-    void addPieceMoves(Square square) {
-        const int from = toSq64(square);
-        const PieceType type = board.pieceAt(square);
-        const SquareMask wanted = K == Kind::Captures ? enemies : ~own;
-        switch (type) {
-            case NoPiece:
-                break;
-            case Pawn:
-                addPawnMoves(square);
-                break;
-            case Knight:
-                addSteps(Knight, from, knightAttacks[from] & wanted & allowedFrom(from),
-                         knightOrder[from]);
-                break;
-            case Bishop:
-                addDiagonal(Bishop, from, wanted);
-                break;
-            case Rook:
-                addOrthogonal(Rook, from, wanted);
-                break;
-            case Queen:
-                addOrthogonal(Queen, from, wanted);
-                addDiagonal(Queen, from, wanted);
-                break;
-            case King:
-                addSteps(King, from, safeForKing(from, kingAttacks[from] & wanted),
-                         kingOrder[from]);
-                break;
+    SquareMask wanted() const { return K == Kind::Captures ? enemies : ~own; }
+
+    /// The pieces in the slots of their type. Slots are visited in ascending order.
+    template <PieceType Type>
+    void addFromHomeSlots() {
+        constexpr SlotRule rule = slotRules[Type];
+        for (int slot = rule.firstSlot; slot <= rule.lastSlot; ++slot) {
+            const Square square = board.pieceLists[Us].squares[slot];
+            if (square != NoSquare) addMovesOf<Type>(toSq64(square));
         }
+    }
+
+    void addAllPawns() {
+        const PieceList& list = board.pieceLists[Us];
+        if constexpr (K == Kind::Captures) {
+            // Few pawns capture or promote; their slots put them in order.
+            unsigned slots = 0;
+            for (SquareMask left = activePawns(); left; left &= left - 1) {
+                slots |= 1U << board.slotOn[toSquare(lowestSquare(left))];
+            }
+            for (; slots; slots &= slots - 1) addPawnMoves(list.squares[std::countr_zero(slots)]);
+        } else {
+            for (int slot = FirstPawnSlot; slot < SlotCount; ++slot) {
+                if (list.squares[slot] != NoSquare) addPawnMoves(list.squares[slot]);
+            }
+        }
+    }
+
+    /// The pawns that can capture or stand before their promotion.
+    SquareMask activePawns() const {
+        const SquareMask pawns = board.pieceMask[Us][Pawn];
+        constexpr SquareMask seventhRank = SquareMask{0xFF} << (8 * S::SeventhRank);
+        return pawns & (pawnReach<S::Them>(enemies) | seventhRank);
+    }
+
+    [[gnu::noinline]] void addPawnsAndSurplus() {
+        for (int slot = FirstPawnSlot; slot < SlotCount; ++slot) {
+            const Square square = board.pieceLists[Us].squares[slot];
+            if (square == NoSquare) continue;
+            const int from = toSq64(square);
+            switch (board.pieceAt(square)) {
+                case Pawn:
+                    addPawnMoves(square);
+                    break;
+                case Knight:
+                    addMovesOf<Knight>(from);
+                    break;
+                case Bishop:
+                    addMovesOf<Bishop>(from);
+                    break;
+                case Rook:
+                    addMovesOf<Rook>(from);
+                    break;
+                case Queen:
+                    addMovesOf<Queen>(from);
+                    break;
+                case King:
+                case NoPiece:
+                    break;
+            }
+        }
+    }
+
+    template <PieceType Type>
+    void addMovesOf(int from) {
+        if constexpr (Type == Knight) {
+            addSteps(Knight, from, knightAttacks[from] & wanted() & allowedFrom(from),
+                     knightOrder[from]);
+        }
+        if constexpr (Type == King) {
+            addSteps(King, from, safeForKing(from, kingAttacks[from] & wanted()), kingOrder[from]);
+        }
+        if constexpr (Type == Rook || Type == Queen) addOrthogonal(Type, from);
+        if constexpr (Type == Bishop || Type == Queen) addDiagonal(Type, from);
     }
 
     void addSteps(PieceType type, int from, SquareMask targets, const StepOrder& order) {
         if (targets) sink.addTargets(type, from, targets, order);
     }
 
-    void addOrthogonal(PieceType type, int from, SquareMask wanted) {
-        if (!(rookRays[from] & wanted)) return;
-        const SquareMask reached = rookAttacks(from, own | enemies) & wanted & allowedFrom(from);
+    void addOrthogonal(PieceType type, int from) {
+        if (!(rookRays[from] & wanted())) return;
+        const SquareMask reached = rookAttacks(from, own | enemies) & wanted() & allowedFrom(from);
         if (reached) sink.addSliding(type, from, reached, FirstOrthogonalRay);
     }
 
-    void addDiagonal(PieceType type, int from, SquareMask wanted) {
-        if (!(bishopRays[from] & wanted)) return;
-        const SquareMask reached = bishopAttacks(from, own | enemies) & wanted & allowedFrom(from);
+    void addDiagonal(PieceType type, int from) {
+        if (!(bishopRays[from] & wanted())) return;
+        const SquareMask reached =
+            bishopAttacks(from, own | enemies) & wanted() & allowedFrom(from);
         if (reached) sink.addSliding(type, from, reached, FirstDiagonalRay);
     }
 
@@ -155,11 +216,7 @@ class Generator {
     /// squares around a king.
     SquareMask attackedSquares(SquareMask occupied) const {
         const SquareMask* theirs = board.pieceMask[S::Them];
-        constexpr SquareMask fileA = 0x0101010101010101ULL;
-        const SquareMask pawns = theirs[Pawn];
-        SquareMask attacked = S::Them == White
-                                  ? ((pawns & ~fileA) << 7) | ((pawns & ~(fileA << 7)) << 9)
-                                  : ((pawns & ~fileA) >> 9) | ((pawns & ~(fileA << 7)) >> 7);
+        SquareMask attacked = pawnReach<S::Them>(theirs[Pawn]);
         if (theirs[King]) attacked |= kingAttacks[lowestSquare(theirs[King])];
         for (SquareMask left = theirs[Knight]; left; left &= left - 1) {
             attacked |= knightAttacks[lowestSquare(left)];
