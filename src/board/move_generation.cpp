@@ -54,6 +54,11 @@ struct CountSink {
     void add(SquareMask targets) { count += static_cast<unsigned>(countSquares(targets)); }
 };
 
+/// Counts no further than it takes to see that a move is not the only one.
+struct SeveralSink : CountSink {
+    bool hasEnough() const { return count > 1; }
+};
+
 /// Notes which piece can go where, so that one move can be written out without the others.
 class GroupSink {
   public:
@@ -132,6 +137,13 @@ unsigned countLegalMoves(const Board_0x88& board, const PinInfo& info) {
 }
 
 template <Colour Us>
+bool hasOnlyOneLegalMove(const Board_0x88& board, const PinInfo& info) {
+    SeveralSink sink;
+    Generator<Us, Kind::All, SeveralSink>(board, info, sink).generate();
+    return sink.count == 1;
+}
+
+template <Colour Us>
 Move drawLegalMove(const Board_0x88& board) {
     GroupSink sink;
     const PinInfo info = computePins<Us>(board, findCheckers<Us>(board));
@@ -144,6 +156,8 @@ template void generateLegalMoves<White>(const Board_0x88&, const PinInfo&, MoveL
 template void generateLegalMoves<Black>(const Board_0x88&, const PinInfo&, MoveList&);
 template unsigned countLegalMoves<White>(const Board_0x88&, const PinInfo&);
 template unsigned countLegalMoves<Black>(const Board_0x88&, const PinInfo&);
+template bool hasOnlyOneLegalMove<White>(const Board_0x88&, const PinInfo&);
+template bool hasOnlyOneLegalMove<Black>(const Board_0x88&, const PinInfo&);
 template Move drawLegalMove<White>(const Board_0x88&);
 template Move drawLegalMove<Black>(const Board_0x88&);
 

@@ -24,6 +24,8 @@ void generateLegalMoves(const Board_0x88& board, const PinInfo& info, MoveList& 
 template <Colour Us>
 unsigned countLegalMoves(const Board_0x88& board, const PinInfo& info);
 template <Colour Us>
+bool hasOnlyOneLegalMove(const Board_0x88& board, const PinInfo& info);
+template <Colour Us>
 Move drawLegalMove(const Board_0x88& board);
 
 }  // namespace vatro

@@ -92,13 +92,22 @@ class Generator {
             addPawnsAndSurplus();
         }
         if constexpr (K == Kind::All) {
-            if (!info.inCheck() && board.castlingRights) addCastling();
+            if (!info.inCheck() && board.castlingRights && !hasEnough()) addCastling();
         }
     }
 
   private:
     using S = Side<Us>;
     static constexpr int NoKing = -1;
+
+    /// True when the sink needs no more moves. Only some sinks ever say so.
+    bool hasEnough() const {
+        if constexpr (requires { sink.hasEnough(); }) {
+            return sink.hasEnough();
+        } else {
+            return false;
+        }
+    }
 
     SquareMask wanted() const { return K == Kind::Captures ? enemies : ~own; }
 
@@ -108,6 +117,7 @@ class Generator {
         constexpr SlotRule rule = slotRules[Type];
         for (int slot = rule.firstSlot; slot <= rule.lastSlot; ++slot) {
             const Square square = board.pieceLists[Us].squares[slot];
+            if (hasEnough()) return;
             if (square != NoSquare) addMovesOf<Type>(toSq64(square));
         }
     }
@@ -122,7 +132,7 @@ class Generator {
             }
             for (; slots; slots &= slots - 1) addPawnMoves(list.squares[std::countr_zero(slots)]);
         } else {
-            for (int slot = FirstPawnSlot; slot < SlotCount; ++slot) {
+            for (int slot = FirstPawnSlot; slot < SlotCount && !hasEnough(); ++slot) {
                 if (list.squares[slot] != NoSquare) addPawnMoves(list.squares[slot]);
             }
         }

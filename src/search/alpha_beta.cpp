@@ -142,7 +142,7 @@ int Searcher::alphaBeta(int alpha, int beta, int height, int depth, PrincipalVar
 
     // 9. The moves; a forced one costs no depth near the root.
     const PinInfo pins = computePins<Us>(board, 0);
-    if (height <= SingleReplyHeight && countLegalMoves<Us>(board, pins) == 1) ++depth;
+    if (height <= SingleReplyHeight && hasOnlyOneLegalMove<Us>(board, pins)) ++depth;
     MovePicker picker(board, pins, MovePicker::Phase::AllMoves);
     picker.prefer(line.first(), tableMove);
     const int score = searchMoves<Us, true>(picker, bounds, height, depth, line);

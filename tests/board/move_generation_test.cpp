@@ -103,6 +103,11 @@ TEST(MoveGeneration, CountAndCapturesAgreeWithTheList) {
         MoveList all;
         generateLegalMoves(board, all);
         ASSERT_EQ(countLegalMoves(board), all.count) << board.toFEN();
+        const PinInfo pins = computePins(board);
+        ASSERT_EQ(board.toMove() == White ? hasOnlyOneLegalMove<White>(board, pins)
+                                          : hasOnlyOneLegalMove<Black>(board, pins),
+                  all.count == 1)
+            << board.toFEN();
         Texts expected;
         for (const ScoredMove& entry : all) {
             const bool captures =
