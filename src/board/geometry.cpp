@@ -78,11 +78,10 @@ constexpr std::array<SquareMasks, 64> buildLines() {
     return table;
 }
 
-constexpr std::array<std::array<std::uint8_t, 64>, 8> buildRankAttacks() {
-    std::array<std::array<std::uint8_t, 64>, 8> table{};
+constexpr std::array<std::array<std::uint8_t, 256>, 8> buildRankAttacks() {
+    std::array<std::array<std::uint8_t, 256>, 8> table{};
     for (int file = 0; file < 8; ++file) {
-        for (unsigned inner = 0; inner < 64; ++inner) {
-            const unsigned occupied = inner << 1;
+        for (unsigned occupied = 0; occupied < 256; ++occupied) {
             unsigned attacks = 0;
             for (const int step : {-1, 1}) {
                 for (int to = file + step; to >= 0 && to < 8; to += step) {
@@ -90,10 +89,17 @@ constexpr std::array<std::array<std::uint8_t, 64>, 8> buildRankAttacks() {
                     if ((occupied >> to) & 1) break;
                 }
             }
-            table[file][inner] = static_cast<std::uint8_t>(attacks);
+            table[file][occupied] = static_cast<std::uint8_t>(attacks);
         }
     }
     return table;
+}
+
+/// `ascending`: the direction in which sq64 grows.
+constexpr SquareLine lineOf(int sq64, int ascending) {
+    const SquareMask below = rayFrom(sq64, -ascending);
+    return {below | maskOf(sq64) | rayFrom(sq64, ascending),
+            static_cast<std::uint64_t>(countSquares(below))};
 }
 
 constexpr std::array<std::array<Ray, 64>, 8> buildRays() {
@@ -125,10 +131,8 @@ constexpr std::array<SquareMasks, 64> squaresBetween = buildBetween();
 constexpr std::array<SquareMasks, 64> lineThrough = buildLines();
 constexpr std::array<std::array<Ray, 64>, 8> slidingRays = buildRays();
 constexpr std::array<SquareLines, 64> squareLines = forEachSquare([](int sq64) {
-    return SquareLines{rayFrom(sq64, 17) | rayFrom(sq64, -17),
-                       rayFrom(sq64, 15) | rayFrom(sq64, -15),
-                       rayFrom(sq64, 16) | rayFrom(sq64, -16)};
+    return SquareLines{lineOf(sq64, 17), lineOf(sq64, 15), lineOf(sq64, 16)};
 });
-constexpr std::array<std::array<std::uint8_t, 64>, 8> rankAttacks = buildRankAttacks();
+constexpr std::array<std::array<std::uint8_t, 256>, 8> rankAttacks = buildRankAttacks();
 
 }  // namespace vatro
