@@ -53,10 +53,11 @@ void evaluateAll(benchmark::State& state, int alpha, int beta, Prepare prepare) 
     PawnHashTable pawnHash;
     if (!pawnHash.resize(1)) return state.SkipWithError("no memory");
     std::uint64_t hits = 0;
+    EvalMemory memory{pawnHash, hits};
     while (state.KeepRunningBatch(static_cast<std::int64_t>(boards.size()))) {
         for (const auto& board : boards) {
             prepare(pawnHash, *board);
-            int score = evaluate(*board, pawnHash, hits, alpha, beta);
+            int score = evaluate(*board, memory, alpha, beta);
             benchmark::DoNotOptimize(score);
         }
     }
@@ -87,9 +88,10 @@ BENCHMARK(coldPawnHash);
 /// The two steps that every evaluation begins with.
 void materialAndScale(benchmark::State& state) {
     const auto boards = setUpPositions();
+    MaterialTable materials;
     while (state.KeepRunningBatch(static_cast<std::int64_t>(boards.size()))) {
         for (const auto& board : boards) {
-            const MaterialInfo material = computeMaterial(*board);
+            const MaterialInfo& material = materials.find(*board);
             int scale = scaleFactor(*board, material);
             benchmark::DoNotOptimize(scale);
         }

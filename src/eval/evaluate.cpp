@@ -24,19 +24,18 @@ constexpr int PositionalLimit = 200;
 
 template <typename Breakdown>
 PawnStructure findPawnStructure(const Board_0x88& board,
-                                PawnHashTable& pawnHash,
-                                std::uint64_t& pawnHashHits,
+                                EvalMemory& memory,
                                 Breakdown& breakdown) {
     const Key pawnKey = board.record().pawnKey;
     PawnStructure pawns;
-    if (pawnHash.probe(pawnKey, pawns)) [[likely]] {
-        ++pawnHashHits;
+    if (memory.pawnHash.probe(pawnKey, pawns)) [[likely]] {
+        ++memory.pawnHashHits;
         breakdown.add(EvalRow::PawnStructure, White, pawns.score);
         return pawns;
     }
     ScoreSum weakPawns[ColourCount];
     pawns = computePawnStructure(board, weakPawns);
-    pawnHash.store(pawnKey, pawns);
+    memory.pawnHash.store(pawnKey, pawns);
     for (const Colour colour : {White, Black}) {
         breakdown.add(EvalRow::WeakPawns, colour, weakPawns[colour]);
     }
@@ -49,7 +48,7 @@ ScoreSum positionalTerms(const Board_0x88& board,
                          const PawnStructure& pawns,
                          Breakdown& breakdown) {
     const ScoreSum pieces = pieceTerms<Us>(board, pawns, breakdown);
-    const ScoreSum passed = passedPawnTerms<Us>(board);
+    const ScoreSum passed = passedPawnTerms<Us>(board, pawns.passed[Us]);
     const ScoreSum safety = kingSafetyTerms<Us>(board, pawns.openFiles);
     breakdown.add(EvalRow::PassedPawns, Us, passed);
     breakdown.add(EvalRow::KingSafety, Us, safety);
@@ -61,10 +60,9 @@ ScoreSum positionalTerms(const Board_0x88& board,
 template <typename Breakdown>
 [[gnu::noinline]] int positionalLead(const Board_0x88& board,
                                      int phase,
-                                     PawnHashTable& pawnHash,
-                                     std::uint64_t& pawnHashHits,
+                                     EvalMemory& memory,
                                      Breakdown& breakdown) {
-    const PawnStructure pawns = findPawnStructure(board, pawnHash, pawnHashHits, breakdown);
+    const PawnStructure pawns = findPawnStructure(board, memory, breakdown);
     const ScoreSum white = positionalTerms<White>(board, pawns, breakdown);
     const ScoreSum black = positionalTerms<Black>(board, pawns, breakdown);
     return taper(white, phase) + taper(pawns.score, phase) - taper(black, phase);
@@ -72,13 +70,12 @@ template <typename Breakdown>
 
 template <typename Breakdown>
 int evaluatePosition(const Board_0x88& board,
-                     PawnHashTable& pawnHash,
-                     std::uint64_t& pawnHashHits,
+                     EvalMemory& memory,
                      int alpha,
                      int beta,
                      Breakdown& breakdown) {
     // 1. Material, and whether anybody can win at all.
-    const MaterialInfo material = computeMaterial(board);
+    const MaterialInfo& material = memory.materials.find(board);
     const int scale = scaleFactor(board, material);
     if (scale == 0) return DrawScore;
     // 2. Without pawns other things count.
@@ -107,7 +104,7 @@ int evaluatePosition(const Board_0x88& board,
     }
 
     // 5. Pawns, and the terms of both colours.
-    const int lead = positionalLead(board, phase, pawnHash, pawnHashHits, breakdown);
+    const int lead = positionalLead(board, phase, memory, breakdown);
     int total = lazy + std::clamp(forMover(lead), -PositionalLimit, PositionalLimit);
 
     // 6. Who cannot win is never ahead.
@@ -117,20 +114,13 @@ int evaluatePosition(const Board_0x88& board,
 
 }  // namespace
 
-int evaluate(const Board_0x88& board,
-             PawnHashTable& pawnHash,
-             std::uint64_t& pawnHashHits,
-             int alpha,
-             int beta) {
+int evaluate(const Board_0x88& board, EvalMemory& memory, int alpha, int beta) {
     NoBreakdown none;
-    return evaluatePosition(board, pawnHash, pawnHashHits, alpha, beta, none);
+    return evaluatePosition(board, memory, alpha, beta, none);
 }
 
-int evaluateWithBreakdown(const Board_0x88& board,
-                          PawnHashTable& pawnHash,
-                          EvalBreakdown& breakdown) {
-    std::uint64_t uncounted = 0;
-    return evaluatePosition(board, pawnHash, uncounted, -MateScore, MateScore, breakdown);
+int evaluateWithBreakdown(const Board_0x88& board, EvalMemory& memory, EvalBreakdown& breakdown) {
+    return evaluatePosition(board, memory, -MateScore, MateScore, breakdown);
 }
 
 }  // namespace vatro

@@ -11,18 +11,18 @@
 
 namespace vatro {
 
-/// The score for the side to move. Any thread, each with its own board; `pawnHash` may be shared
-/// and must have memory; a hit in it is counted in the caller's `pawnHashHits`. A score that is
+/// What the evaluations of one thread keep; the scores do not depend on it.
+struct EvalMemory {
+    PawnHashTable& pawnHash;      // shared by all threads; must have memory
+    std::uint64_t& pawnHashHits;  // counted here
+    MaterialTable materials = {};
+};
+
+/// The score for the side to move. Any thread, each with its own board and memory. A score that is
 /// clearly outside `alpha` .. `beta` may be an estimate, outside too.
-int evaluate(const Board_0x88& board,
-             PawnHashTable& pawnHash,
-             std::uint64_t& pawnHashHits,
-             int alpha,
-             int beta);
+int evaluate(const Board_0x88& board, EvalMemory& memory, int alpha, int beta);
 
 /// The same by the same code with the full window; notes every term in `breakdown`.
-int evaluateWithBreakdown(const Board_0x88& board,
-                          PawnHashTable& pawnHash,
-                          EvalBreakdown& breakdown);
+int evaluateWithBreakdown(const Board_0x88& board, EvalMemory& memory, EvalBreakdown& breakdown);
 
 }  // namespace vatro

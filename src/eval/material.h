@@ -1,10 +1,12 @@
 // eval/material.h - piece counts, game phase, material values, and who can still win.
 //
-// Built afresh at the start of every evaluation; the first thing the lazy cut needs, so it is
-// inlined there.
+// The first thing that every evaluation needs, and nearly always the same as in one of the last.
 #pragma once
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
 
 #include "board/board.h"
 #include "board/types.h"
@@ -13,9 +15,9 @@
 namespace vatro {
 
 struct MaterialInfo {
-    int phase;           // 0 to FullPhase
+    int phase = 0;       // 0 to FullPhase
     ScorePair material;  // White's minus Black's
-    bool canWin[ColourCount];
+    bool canWin[ColourCount] = {};
 };
 
 // Tuned; no derivation.
@@ -64,5 +66,38 @@ inline MaterialInfo computeMaterial(const Board_0x88& board) {
             material.pair(),
             {canMate(board, White), canMate(board, Black)}};
 }
+
+/// The material met by one thread, by the counts of all pieces.
+class MaterialTable {
+  public:
+    /// What computeMaterial says of the board; valid until the next call.
+    const MaterialInfo& find(const Board_0x88& board) {
+        const Counts counts = {countsOf(board, White), countsOf(board, Black)};
+        // Two odd numbers without a pattern spread the few bits that differ over the high ones.
+        const std::uint64_t mixed =
+            counts[White] * 0x9E3779B97F4A7C15ULL + counts[Black] * 0xD6E8FEB86659FD93ULL;
+        Entry& entry = entries[mixed >> (64 - IndexBits)];
+        if (entry.counts != counts) entry = {counts, computeMaterial(board)};
+        return entry.info;
+    }
+
+  private:
+    static constexpr int IndexBits = 9;
+    using Counts = std::array<std::uint64_t, ColourCount>;
+    /// Empty it is right for an empty board.
+    struct Entry {
+        Counts counts{};
+        MaterialInfo info;
+    };
+
+    static std::uint64_t countsOf(const Board_0x88& board, Colour colour) {
+        std::uint64_t word;
+        static_assert(sizeof word == sizeof board.pieceLists[colour].counts);
+        std::memcpy(&word, board.pieceLists[colour].counts, sizeof word);
+        return word;
+    }
+
+    std::array<Entry, 1U << IndexBits> entries{};
+};
 
 }  // namespace vatro

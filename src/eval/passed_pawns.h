@@ -1,6 +1,6 @@
-// eval/passed_pawns.h - pawns that no enemy pawn can stop any more.
+// eval/passed_pawns.h - what passed pawns are worth.
 //
-// They depend on the other pieces too and are evaluated every time.
+// It depends on the other pieces too and is evaluated every time.
 #pragma once
 
 #include <algorithm>
@@ -23,14 +23,6 @@ extern const std::array<ScoreSum, PassedStepCount> blockedPawnBonus;
 /// On top when the enemy has only king and pawns and its king comes too late.
 extern const std::array<ScoreSum, UnstoppableStepCount> unstoppablePawnBonus;
 
-/// The pawns with no enemy pawn ahead on their own or an adjacent file. Own pawns do not matter.
-template <Colour Us>
-SquareMask passedPawns(SquareMask own, SquareMask enemy) {
-    constexpr Colour Them = Side<Us>::Them;
-    const SquareMask behindEnemy = oneAhead<Them>(fillAhead<Them>(enemy));
-    return own & ~(behindEnemy | beside(behindEnemy));
-}
-
 /// True when the enemy king does not reach the promotion square of an unblocked pawn in time.
 template <Colour Us>
 bool isUnstoppable(const Board_0x88& board, int pawn, int steps) {
@@ -41,13 +33,13 @@ bool isUnstoppable(const Board_0x88& board, int pawn, int steps) {
     return steps < (board.sideToMove == Them ? distance - 1 : distance);
 }
 
+/// The terms of `passed`, the passed pawns of `Us`.
 template <Colour Us>
-ScoreSum passedPawnTerms(const Board_0x88& board) {
+ScoreSum passedPawnTerms(const Board_0x88& board, SquareMask passed) {
     constexpr Colour Them = Side<Us>::Them;
     const SquareMask enemyPieces = board.pieceMask[Them][NoPiece];
     const SquareMask occupied = board.occupied();
     ScoreSum score;
-    SquareMask passed = passedPawns<Us>(board.pieceMask[Us][Pawn], board.pieceMask[Them][Pawn]);
     for (; passed; passed &= passed - 1) {
         const int pawn = lowestSquare(passed);
         const int rank = Side<Us>::relativeRank(rankOf64(pawn));

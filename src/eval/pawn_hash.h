@@ -4,6 +4,7 @@
 // into one entry at once, its words belong to different keys and it matches no key.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdint>
@@ -15,7 +16,7 @@ namespace vatro {
 
 /// All that the evaluation takes from the pawns alone.
 struct PawnStructure {
-    SquareMask pawns[ColourCount];
+    SquareMask passed[ColourCount];  // pawns that no enemy pawn can stop any more
     ScorePair score;             // White's terms minus Black's
     std::uint8_t openFiles;      // bit f: no pawn on file f (0 = a)
     std::uint8_t halfOpenFiles;  // bit f: pawns of exactly one colour on file f
@@ -26,8 +27,9 @@ struct alignas(32) PawnHashEntry {
     std::array<std::atomic<std::uint64_t>, 4> words;
 
     bool isEmpty() const {
-        return words[1].load(std::memory_order_relaxed) == 0 &&  // no stored structure is without
-               words[2].load(std::memory_order_relaxed) == 0;    // pawns
+        return std::all_of(words.begin(), words.end(), [](const auto& word) {
+            return word.load(std::memory_order_relaxed) == 0;
+        });
     }
 };
 static_assert(sizeof(PawnHashEntry) == 32);
@@ -40,8 +42,8 @@ class PawnHashTable : public HashTable<PawnHashEntry> {
         const std::uint64_t white = entry.words[1].load(std::memory_order_relaxed);
         const std::uint64_t black = entry.words[2].load(std::memory_order_relaxed);
         const std::uint64_t rest = entry.words[3].load(std::memory_order_relaxed);
-        found.pawns[White] = white;
-        found.pawns[Black] = black;
+        found.passed[White] = white;
+        found.passed[Black] = black;
         found.score.mg = static_cast<std::int16_t>(rest);
         found.score.eg = static_cast<std::int16_t>(rest >> 16);
         found.openFiles = static_cast<std::uint8_t>(rest >> 32);
@@ -57,8 +59,8 @@ class PawnHashTable : public HashTable<PawnHashEntry> {
             (std::uint64_t{static_cast<std::uint16_t>(structure.score.eg)} << 16) |
             (std::uint64_t{structure.openFiles} << 32) |
             (std::uint64_t{structure.halfOpenFiles} << 40);
-        const std::uint64_t white = structure.pawns[White];
-        const std::uint64_t black = structure.pawns[Black];
+        const std::uint64_t white = structure.passed[White];
+        const std::uint64_t black = structure.passed[Black];
         PawnHashEntry& entry = (*this)[indexOf(pawnKey)];
         entry.words[0].store(pawnKey ^ white ^ black ^ rest, std::memory_order_relaxed);
         entry.words[1].store(white, std::memory_order_relaxed);

@@ -1,4 +1,4 @@
-// eval/pawn_structure.cpp - isolated, doubled and backward pawns; open and half-open files.
+// eval/pawn_structure.cpp - isolated, doubled, backward and passed pawns; open and half-open files.
 #include "eval/pawn_structure.h"
 
 #include "board/side.h"
@@ -47,6 +47,14 @@ ScoreSum weakPawnTerms(SquareMask own, SquareMask enemy) {
     return score;
 }
 
+/// The pawns with no enemy pawn ahead on their own or an adjacent file. Own pawns do not matter.
+template <Colour Us>
+SquareMask passedPawns(SquareMask own, SquareMask enemy) {
+    constexpr Colour Them = Side<Us>::Them;
+    const SquareMask behindEnemy = oneAhead<Them>(fillAhead<Them>(enemy));
+    return own & ~(behindEnemy | beside(behindEnemy));
+}
+
 }  // namespace
 
 PawnStructure computePawnStructure(const Board_0x88& board, ScoreSum (&weakPawns)[ColourCount]) {
@@ -56,7 +64,7 @@ PawnStructure computePawnStructure(const Board_0x88& board, ScoreSum (&weakPawns
     weakPawns[Black] = weakPawnTerms<Black>(black, white);
     const unsigned whiteFiles = filesOf(white);
     const unsigned blackFiles = filesOf(black);
-    return {{white, black},
+    return {{passedPawns<White>(white, black), passedPawns<Black>(black, white)},
             (weakPawns[White] - weakPawns[Black]).pair(),
             static_cast<std::uint8_t>(~(whiteFiles | blackFiles)),
             static_cast<std::uint8_t>(whiteFiles ^ blackFiles)};

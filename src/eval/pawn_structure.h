@@ -1,4 +1,4 @@
-// eval/pawn_structure.h - isolated, doubled and backward pawns; open and half-open files.
+// eval/pawn_structure.h - isolated, doubled, backward and passed pawns; open and half-open files.
 //
 // These depend on the pawns alone and are kept in the pawn hash.
 #pragma once

@@ -45,13 +45,11 @@ ScoreSum mobility(const Board_0x88& board, const KingTropism& towards, ScoreSum&
     const SquareMask occupied = board.occupied();
     const SquareMask targets = ~board.pieceMask[Us][NoPiece];
     ScoreSum score;
-    int attacked = 0;
     for (SquareMask pieces = board.pieceMask[Us][Type]; pieces; pieces &= pieces - 1) {
         const int sq64 = lowestSquare(pieces);
         score += mobilityTerms[Type][countSquares(attacksFrom<Type>(sq64, occupied) & targets)];
-        attacked += towards.attacked(Type, sq64);
+        tropism += towards.term(Type, sq64);
     }
-    tropism += attacked * tropismWeight[Type];
     return score;
 }
 
@@ -73,6 +71,7 @@ template <Colour Us>
 ScoreSum queenFileTerms(const Board_0x88& board, const PawnStructure& pawns, unsigned kingFile) {
     const SquareMask queens = board.pieceMask[Us][Queen];
     const unsigned open = pawns.openFiles;
+    if (!(queens & squaresOnFiles(open))) return {};
     const auto queensOn = [&](unsigned files) {
         return countSquares(queens & squaresOnFiles(files));
     };
@@ -89,7 +88,7 @@ ScoreSum pieceTerms(const Board_0x88& board, const PawnStructure& pawns, Breakdo
 
     ScoreSum tropism = pawnTropism<Us>(board.pieceMask[Us][Pawn], towards);
     if (board.hasKing(Us)) {
-        tropism += towards.attacked(King, toSq64(board.kingSquare(Us))) * tropismWeight[King];
+        tropism += towards.term(King, toSq64(board.kingSquare(Us)));
     }
     const ScoreSum knights = mobility<Us, Knight>(board, towards, tropism);
     const ScoreSum bishops = mobility<Us, Bishop>(board, towards, tropism);

@@ -53,8 +53,10 @@ std::string rowText(const PrintedRow& printed, const EvalBreakdown& breakdown, i
 
 std::string evaluationText(const Board_0x88& board, PawnHashTable& pawnHash) {
     const MaterialInfo material = computeMaterial(board);
+    std::uint64_t uncounted = 0;
+    EvalMemory memory{pawnHash, uncounted};
     EvalBreakdown breakdown;
-    const int score = evaluateWithBreakdown(board, pawnHash, breakdown);
+    const int score = evaluateWithBreakdown(board, memory, breakdown);
 
     std::string rule(LineLength, '=');
     rule += '\n';

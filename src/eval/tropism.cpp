@@ -96,7 +96,8 @@ constexpr KingTropism buildTropism(int king) {
         const int difference = toSquare(king) - toSquare(from);
         const int distance = difference < 0 ? -difference : difference;
         for (int kind = Knight - 1; kind < PieceKinds; ++kind) {
-            tropism.counts[kind - (Knight - 1)][from] = countsByDistance[kind][distance];
+            tropism.terms[kind - (Knight - 1)][from] =
+                countsByDistance[kind][distance] * tropismWeight[kind + 1];
         }
         const int pawnAttacksHere = countsByDistance[Pawn - 1][distance];
         for (const Colour colour : {White, Black}) {

@@ -5,7 +5,6 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
 
 #include "board/board.h"
 #include "board/types.h"
@@ -13,13 +12,20 @@
 
 namespace vatro {
 
+// By piece type. Tuned; no derivation.
+constexpr ScoreSum tropismWeight[PieceTypeCount] = {
+    {0, 0},                                  // NoPiece
+    {10, -4}, {13, -5}, {9, -3}, {15, -11},  // Pawn, Knight, Bishop, Rook
+    {5, 41},  {18, 14},                      // Queen, King
+};
+
 /// What attacks the surroundings of a king on one square.
 struct alignas(64) KingTropism {
-    /// The squares around the king that a piece attacks, by piece type and the piece's sq64. Not
-    /// for pawns.
-    std::uint8_t attacked(PieceType type, int sq64) const { return counts[type - Knight][sq64]; }
+    /// What a piece is worth on a square: its weight for each square around the king that it
+    /// attacks. Not for pawns.
+    ScoreSum term(PieceType type, int sq64) const { return terms[type - Knight][sq64]; }
 
-    std::array<std::array<std::uint8_t, 64>, 5> counts;
+    std::array<std::array<ScoreSum, 64>, 5> terms;
     /// The squares on which a pawn of a colour attacks one of them, and two. Not those beyond the
     /// king's rank: a pawn that has passed it earns nothing.
     SquareMask onePawnAttack[ColourCount];
@@ -33,13 +39,6 @@ extern const std::array<KingTropism, 65> kingTropism;
 inline const KingTropism& tropismTowards(const Board_0x88& board, Colour kingColour) {
     return kingTropism[board.hasKing(kingColour) ? toSq64(board.kingSquare(kingColour)) : NoKing];
 }
-
-// By piece type. Tuned; no derivation.
-constexpr ScoreSum tropismWeight[PieceTypeCount] = {
-    {0, 0},                                  // NoPiece
-    {10, -4}, {13, -5}, {9, -3}, {15, -11},  // Pawn, Knight, Bishop, Rook
-    {5, 41},  {18, 14},                      // Queen, King
-};
 
 template <Colour Us>
 ScoreSum pawnTropism(SquareMask pawns, const KingTropism& towards) {

@@ -54,7 +54,7 @@ inline bool Searcher::enterNode() {
 }
 
 inline int Searcher::evaluateHere(int alpha, int beta) {
-    return evaluate(board, context.pawnHash, statistics.pawnHashHits, alpha, beta);
+    return evaluate(board, evalMemory, alpha, beta);
 }
 
 inline void Searcher::store(const NodeBounds& bounds, int height, int depth, int score, Move move) {

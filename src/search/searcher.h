@@ -10,7 +10,7 @@
 #include "board/board.h"
 #include "board/game.h"
 #include "egtb/tablebases.h"
-#include "eval/pawn_hash.h"
+#include "eval/evaluate.h"
 #include "search/interfaces.h"
 #include "search/principal_variation.h"
 #include "search/time_control.h"
@@ -134,6 +134,7 @@ class alignas(64) Searcher {
 
     const unsigned threadIndex;  // 0: the main search thread
     SearchContext context;
+    EvalMemory evalMemory{context.pawnHash, statistics.pawnHashHits};
     unsigned iterationDepth = 0;
     std::int32_t firstMovesTime = 0;  // centiseconds used by the first two root moves
     bool easyFlag = false;            // the best root move stands out

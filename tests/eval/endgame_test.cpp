@@ -90,7 +90,7 @@ TEST(Pawnless, BishopAndKnightMateInTheBishopsCorner) {
     Evaluator evaluate;
     const auto term = [&](const char* fen) {
         EvalBreakdown terms;
-        evaluateWithBreakdown(*boardOf(fen), evaluate.pawnHash, terms);
+        evaluateWithBreakdown(*boardOf(fen), evaluate.memory, terms);
         const auto& row = terms.terms[static_cast<int>(EvalRow::SafeCorner)];
         return row[White].mg - row[Black].mg;
     };

@@ -16,7 +16,7 @@ struct Evaluator {
     Evaluator() { EXPECT_TRUE(pawnHash.resize(1)); }
 
     int operator()(const Board_0x88& board, int alpha = -OutOfReach, int beta = OutOfReach) {
-        return evaluate(board, pawnHash, hits, alpha, beta);
+        return evaluate(board, memory, alpha, beta);
     }
     int operator()(const std::string& fen) { return (*this)(*boardOf(fen)); }
     /// Material, piece-square values and the bonus of the side to move; full scale only.
@@ -24,6 +24,7 @@ struct Evaluator {
 
     PawnHashTable pawnHash;
     std::uint64_t hits = 0;
+    EvalMemory memory{pawnHash, hits};
 };
 
 /// Terms compare as pairs and print as such when they differ.

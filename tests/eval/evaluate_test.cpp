@@ -136,7 +136,7 @@ TEST(Evaluate, OddPositionsAreEvaluated) {
 TEST(Evaluate, MissingKingHasNoTerms) {
     Evaluator evaluate;
     EvalBreakdown terms;
-    evaluateWithBreakdown(*boardOf("8/2p1p3/8/3P4/8/8/3q4/R7 w - - 0 1"), evaluate.pawnHash, terms);
+    evaluateWithBreakdown(*boardOf("8/2p1p3/8/3P4/8/8/3q4/R7 w - - 0 1"), evaluate.memory, terms);
     for (const EvalRow row : {EvalRow::KingSafety, EvalRow::KingTropism}) {
         EXPECT_EQ(terms.terms[static_cast<int>(row)][White], ScorePair());
         EXPECT_EQ(terms.terms[static_cast<int>(row)][Black], ScorePair());

@@ -12,7 +12,7 @@ namespace vatro {
 namespace {
 
 bool same(const PawnStructure& a, const PawnStructure& b) {
-    return a.pawns[White] == b.pawns[White] && a.pawns[Black] == b.pawns[Black] &&
+    return a.passed[White] == b.passed[White] && a.passed[Black] == b.passed[Black] &&
            a.score == b.score && a.openFiles == b.openFiles && a.halfOpenFiles == b.halfOpenFiles;
 }
 

@@ -133,8 +133,8 @@ TEST(PawnTerms, AgreeWithTheSlowDefinitions) {
             ASSERT_EQ((structure.openFiles >> file) & 1, colours == 0);
             ASSERT_EQ((structure.halfOpenFiles >> file) & 1, colours == 1);
         }
-        ASSERT_EQ(pairOf(passedPawnTerms<White>(*board)), pairOf(white.allPassed()));
-        ASSERT_EQ(pairOf(passedPawnTerms<Black>(*board)), pairOf(black.allPassed()));
+        ASSERT_EQ(pairOf(passedPawnTerms<White>(*board, structure.passed[White])), pairOf(white.allPassed()));
+        ASSERT_EQ(pairOf(passedPawnTerms<Black>(*board, structure.passed[Black])), pairOf(black.allPassed()));
     }
 }
 
@@ -166,7 +166,10 @@ TEST(PawnTerms, PassedPawns) {
         {"n3k3/r7/q7/b7/r7/b7/n7/P3K3 w - - 0 1", {0, 0}},  // 14 steps count as 11
     };
     for (const auto& [fen, expected] : cases) {
-        EXPECT_EQ(pairOf(passedPawnTerms<White>(*boardOf(fen))), expected) << fen;
+        const auto board = boardOf(fen);
+        ScoreSum weak[ColourCount];
+        const PawnStructure structure = computePawnStructure(*board, weak);
+        EXPECT_EQ(pairOf(passedPawnTerms<White>(*board, structure.passed[White])), expected) << fen;
     }
 }
 

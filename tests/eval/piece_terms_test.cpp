@@ -63,7 +63,7 @@ TEST(Mobility, CountsTheSquaresOfAWalk) {
 TEST(Mobility, TermsOfTheStartPosition) {
     Evaluator evaluate;
     EvalBreakdown terms;
-    evaluateWithBreakdown(*boardOf(startPositionFEN), evaluate.pawnHash, terms);
+    evaluateWithBreakdown(*boardOf(startPositionFEN), evaluate.memory, terms);
     const std::pair<EvalRow, ScorePair> rows[] = {{EvalRow::Knights, {16, 32}},
                                                   {EvalRow::Bishops, {-20, -40}},
                                                   {EvalRow::Rooks, {-30, -60}},
@@ -152,11 +152,15 @@ TEST(Tropism, CountsAttackedSquaresAroundAKing) {
             const auto slider = [&](SquareMask rays, SquareMask steps) {
                 return (zone & rays) ? 1 + countSquares(near & steps) : 0;
             };
-            EXPECT_EQ(tropism.attacked(Knight, from), countSquares(zone & knightAttacks[from]));
-            EXPECT_EQ(tropism.attacked(Bishop, from), slider(diagonals, diagonals));
-            EXPECT_EQ(tropism.attacked(Rook, from), slider(lines, lines));
-            EXPECT_EQ(tropism.attacked(Queen, from), slider(diagonals | lines, ~SquareMask{0}));
-            EXPECT_EQ(tropism.attacked(King, from), countSquares(near));
+            const std::pair<PieceType, int> attacked[] = {
+                {Knight, countSquares(zone & knightAttacks[from])},
+                {Bishop, slider(diagonals, diagonals)},
+                {Rook, slider(lines, lines)},
+                {Queen, slider(diagonals | lines, ~SquareMask{0})},
+                {King, countSquares(near)}};
+            for (const auto& [type, count] : attacked) {
+                EXPECT_EQ(pairOf(tropism.term(type, from)), pairOf(count * tropismWeight[type]));
+            }
         }
     }
 }
@@ -172,8 +176,8 @@ TEST(Tropism, PawnsUpToTheKingsRank) {
     EXPECT_EQ(pawnTerm("8/8/8/4k3/8/6P1/8/4K3 w - - 0 1"), Pair(10, -4));
     EXPECT_EQ(pawnTerm("8/8/8/4k3/8/8/4P3/4K3 w - - 0 1"), Pair(0, 0));
     // Two kings on a file with one square between them share three squares.
-    EXPECT_EQ(kingTropism[28].attacked(King, 44), 3);
-    EXPECT_EQ(kingTropism[44].attacked(King, 28), 3);
+    EXPECT_EQ(pairOf(kingTropism[28].term(King, 44)), Pair(3 * 18, 3 * 14));
+    EXPECT_EQ(pairOf(kingTropism[44].term(King, 28)), Pair(3 * 18, 3 * 14));
 }
 
 }  // namespace
