@@ -130,7 +130,8 @@ class Generator {
             for (SquareMask left = activePawns(); left; left &= left - 1) {
                 slots |= 1U << board.slotOn[toSquare(lowestSquare(left))];
             }
-            for (; slots; slots &= slots - 1) addPawnMoves(list.squares[std::countr_zero(slots)]);
+            for (; slots; slots &= slots - 1)
+                addPawnMoves(list.squares[std::countr_zero(slots)]);
         } else {
             for (int slot = FirstPawnSlot; slot < SlotCount && !hasEnough(); ++slot) {
                 if (list.squares[slot] != NoSquare) addPawnMoves(list.squares[slot]);

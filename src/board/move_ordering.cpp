@@ -1,6 +1,8 @@
 // src/board/move_ordering.cpp - scores of moves and the losing-capture test.
 #include "board/move_ordering.h"
 
+#include <type_traits>
+
 #include "board/move_generator.h"
 #include "board/piece_square_table.h"
 #include "board/side.h"
@@ -28,42 +30,16 @@ constexpr int GoodCaptureBonus = 1000;
 constexpr int BadCaptureMalus = 50;
 constexpr int KillerBonus = 150;
 
-/// The quiet moves that refuted other positions at this ply and at the next one of this side.
-class Killers {
-  public:
-    explicit Killers(const Board_0x88& board) {
-        add(board.record());
-        if (board.ply + 2 < PlyRecordCount) add(board.plyRecords[board.ply + 2]);
-    }
+/// For a sink that is not asked for quiet moves, nor for captures that rank among them.
+struct NoQuiets {};
 
-    bool contain(int from, int to) const {
-        if (!((targets >> to) & 1)) return false;  // nearly always
-        const Move squares = makeMoveWord(from, to);
-        for (unsigned i = 0; i < count; ++i) {
-            if (((moves[i] ^ squares) & 0xFFF) == 0) return true;
-        }
-        return false;
-    }
-
-  private:
-    void add(const PlyRecord& record) {
-        for (const Move killer : record.killers) {
-            moves[count++] = killer;
-            targets |= maskOf(to64(killer));
-        }
-    }
-
-    Move moves[4];
-    unsigned count = 0;
-    SquareMask targets = 0;
-};
-
-/// Appends moves with the scores of the search.
-template <Colour Us>
+/// Appends moves with the scores of the search. Quiets: a KillerSet, or NoQuiets for good captures
+/// and promotions alone.
+template <Colour Us, typename Quiets>
 class ScoringSink {
   public:
-    ScoringSink(const Board_0x88& position, MoveList& out)
-        : board(position), list(out), killers(position) {}
+    ScoringSink(const Board_0x88& position, const Quiets& wanted, MoveList& out)
+        : board(position), list(out), quiets(wanted) {}
 
     void addPawnStep(int from, int to, unsigned extra) {
         addQuiet(Pawn, makeMoveWord(from, to, Normal, extra), from, to);
@@ -93,6 +69,8 @@ class ScoringSink {
     }
 
   private:
+    static constexpr bool wantsQuiets = std::is_same_v<Quiets, KillerSet>;
+
     void addPieceMove(PieceType type, int from, int to) {
         if (board.pieceOn[toSquare(to)] == NoPiece) {
             addQuiet(type, makeMoveWord(from, to), from, to);
@@ -102,22 +80,25 @@ class ScoringSink {
     }
 
     void addQuiet(PieceType type, Move move, int from, int to) {
-        const int gain = killers.contain(from, to) ? KillerBonus
-                                                   : pieceSquareTable.at(Us, type, to).mg -
-                                                         pieceSquareTable.at(Us, type, from).mg;
-        list.add(move, gain - orderingValue[type]);
+        if constexpr (wantsQuiets) {
+            const int gain = quiets.contains(from, to) ? KillerBonus
+                                                       : pieceSquareTable.at(Us, type, to).mg -
+                                                             pieceSquareTable.at(Us, type, from).mg;
+            list.add(move, gain - orderingValue[type]);
+        }
     }
 
     void addCapture(PieceType type, int from, int to) {
         const PieceType victim = board.pieceAt(toSquare(to));
         const int score = 64 * orderingValue[victim] - orderingValue[type];
         const bool bad = isLosing<Us>(board, type, victim, to);
+        if (bad && !wantsQuiets) return;
         list.add(makeMoveWord(from, to), score + (bad ? -BadCaptureMalus : GoodCaptureBonus));
     }
 
     const Board_0x88& board;
     MoveList& list;
-    const Killers killers;
+    const Quiets& quiets;
 };
 
 /// Appends captures with the scores of quiescence.
@@ -184,9 +165,20 @@ bool isBadCapture(const Board_0x88& board, Move move, int& gain) {
 }
 
 template <Colour Us>
-void generateScoredMoves(const Board_0x88& board, const PinInfo& info, MoveList& list) {
-    ScoringSink<Us> sink(board, list);
-    Generator<Us, Kind::All, ScoringSink<Us>>(board, info, sink).generate();
+void generateScoredMoves(const Board_0x88& board,
+                         const PinInfo& info,
+                         const KillerSet& killers,
+                         MoveList& list) {
+    using Sink = ScoringSink<Us, KillerSet>;
+    Sink sink(board, killers, list);
+    Generator<Us, Kind::All, Sink>(board, info, sink).generate();
+}
+
+template <Colour Us>
+void generateGoodCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list) {
+    using Sink = ScoringSink<Us, NoQuiets>;
+    Sink sink(board, {}, list);
+    Generator<Us, Kind::Captures, Sink>(board, info, sink).generate();
 }
 
 template <Colour Us>
@@ -202,8 +194,16 @@ void generateCaptures(const Board_0x88& board, const PinInfo& info, MoveList& li
 
 template bool isBadCapture<White>(const Board_0x88&, Move, int&);
 template bool isBadCapture<Black>(const Board_0x88&, Move, int&);
-template void generateScoredMoves<White>(const Board_0x88&, const PinInfo&, MoveList&);
-template void generateScoredMoves<Black>(const Board_0x88&, const PinInfo&, MoveList&);
+template void generateScoredMoves<White>(const Board_0x88&,
+                                         const PinInfo&,
+                                         const KillerSet&,
+                                         MoveList&);
+template void generateScoredMoves<Black>(const Board_0x88&,
+                                         const PinInfo&,
+                                         const KillerSet&,
+                                         MoveList&);
+template void generateGoodCaptures<White>(const Board_0x88&, const PinInfo&, MoveList&);
+template void generateGoodCaptures<Black>(const Board_0x88&, const PinInfo&, MoveList&);
 template void generateCaptures<White>(const Board_0x88&, const PinInfo&, MoveList&);
 template void generateCaptures<Black>(const Board_0x88&, const PinInfo&, MoveList&);
 

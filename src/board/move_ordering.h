@@ -18,10 +18,49 @@ inline bool isQuiet(const Board_0x88& board, Move move) {
 }
 static_assert((EnPassant & Promotion) && !(Castling & Promotion) && !(Normal & Promotion));
 
+/// The quiet moves that refuted other positions at this ply and at the next one of this side.
+class KillerSet {
+  public:
+    KillerSet() = default;
+    explicit KillerSet(const Board_0x88& board) {
+        add(board.record());
+        if (board.ply + 2 < PlyRecordCount) add(board.plyRecords[board.ply + 2]);
+    }
+
+    bool contains(int from, int to) const {
+        if (!((targets >> to) & 1)) return false;  // nearly always
+        const Move squares = makeMoveWord(from, to);
+        for (unsigned i = 0; i < count; ++i) {
+            if (((moves[i] ^ squares) & 0xFFF) == 0) return true;
+        }
+        return false;
+    }
+
+  private:
+    void add(const PlyRecord& record) {
+        for (const Move killer : record.killers) {
+            moves[count++] = killer;
+            targets |= maskOf(to64(killer));
+        }
+    }
+
+    Move moves[4];
+    unsigned count = 0;
+    SquareMask targets = 0;
+};
+
 /// Appends all legal moves with their scores: good captures and promotions first, then killers,
 /// then quiet moves by their piece-square gain.
 template <Colour Us>
-void generateScoredMoves(const Board_0x88& board, const PinInfo& info, MoveList& list);
+void generateScoredMoves(const Board_0x88& board,
+                         const PinInfo& info,
+                         const KillerSet& killers,
+                         MoveList& list);
+
+/// Appends, of the moves and scores of generateScoredMoves, those that come before all killers and
+/// quiet moves: the good captures and the promotions.
+template <Colour Us>
+void generateGoodCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list);
 
 /// Appends the legal captures and promotions to a queen, scored by victim and attacker alone.
 template <Colour Us>

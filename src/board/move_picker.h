@@ -34,7 +34,19 @@ class MovePicker {
     Move next();
 
   private:
-    enum class Stage { First, Second, Generate, Rest };
+    enum class Stage { First, Second, Generate, GoodCaptures, Rest };
+
+    /// The next best move of the list that has not been handed out, NoMove at its end.
+    Move nextOfList();
+    /// Good captures are generated first where the full list surely has room for all moves: eight
+    /// pawns that all promote in three ways, the other pieces, and up to 15 moves more for a
+    /// surplus piece than for the pawn it was make 203 + 3 * 15 < MoveList::Capacity.
+    template <Colour Us>
+    bool beginsWithGoodCaptures() const {
+        constexpr int MaxSurplus = 3;
+        return phase == Phase::AllMoves && !info.inCheck() &&
+               board.pieceLists[Us].counts[PieceList::Surplus] <= MaxSurplus;
+    }
 
     bool isPlayable(Move move) const {
         return isValidMove(board, move) && isLegal(board, move, info);
@@ -42,6 +54,7 @@ class MovePicker {
     Move selectBest();
 
     MoveList list;
+    KillerSet killers;
     PinInfo info;
     const Board_0x88& board;
     unsigned current = 0;
@@ -68,6 +81,7 @@ inline Move MovePicker::selectBest() {
 
 template <Colour Us>
 Move MovePicker::next() {
+    if (stage == Stage::Rest) return nextOfList();  // most calls
     switch (stage) {
         case Stage::First:
             stage = Stage::Second;
@@ -84,19 +98,41 @@ Move MovePicker::next() {
             [[fallthrough]];
         case Stage::Generate:
             stage = Stage::Rest;
-            if (phase == Phase::AllMoves) {
-                generateScoredMoves<Us>(board, info, list);
-            } else {
+            if (phase == Phase::Captures) {
                 generateCaptures<Us>(board, info, list);
+                return nextOfList();
             }
+            killers = KillerSet(board);  // as they are now: the search of the captures changes them
+            if (!beginsWithGoodCaptures<Us>()) {
+                generateScoredMoves<Us>(board, info, killers, list);
+                return nextOfList();
+            }
+            stage = Stage::GoodCaptures;
+            generateGoodCaptures<Us>(board, info, list);
             [[fallthrough]];
+        case Stage::GoodCaptures: {
+            if (const Move move = nextOfList()) return move;
+            stage = Stage::Rest;
+            // The order of equal quiet moves depends on the swaps for the captures before them.
+            const unsigned handedOut = std::exchange(list.count, 0);
+            current = 0;
+            generateScoredMoves<Us>(board, info, killers, list);
+            while (current < handedOut)
+                selectBest();
+            [[fallthrough]];
+        }
         case Stage::Rest:
-            while (current < list.count) {
-                const Move move = selectBest();
-                if (firstMove && sameMove(move, firstMove)) continue;
-                if (secondMove && sameMove(move, secondMove)) continue;
-                return move;
-            }
+            return nextOfList();
+    }
+    return NoMove;
+}
+
+inline Move MovePicker::nextOfList() {
+    while (current < list.count) {
+        const Move move = selectBest();
+        if (firstMove && sameMove(move, firstMove)) continue;
+        if (secondMove && sameMove(move, secondMove)) continue;
+        return move;
     }
     return NoMove;
 }

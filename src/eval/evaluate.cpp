@@ -23,9 +23,7 @@ constexpr int LazyMargin = 199;
 constexpr int PositionalLimit = 200;
 
 template <typename Breakdown>
-PawnStructure findPawnStructure(const Board_0x88& board,
-                                EvalMemory& memory,
-                                Breakdown& breakdown) {
+PawnStructure findPawnStructure(const Board_0x88& board, EvalMemory& memory, Breakdown& breakdown) {
     const Key pawnKey = board.record().pawnKey;
     PawnStructure pawns;
     if (memory.pawnHash.probe(pawnKey, pawns)) [[likely]] {
@@ -69,11 +67,8 @@ template <typename Breakdown>
 }
 
 template <typename Breakdown>
-int evaluatePosition(const Board_0x88& board,
-                     EvalMemory& memory,
-                     int alpha,
-                     int beta,
-                     Breakdown& breakdown) {
+int evaluatePosition(
+    const Board_0x88& board, EvalMemory& memory, int alpha, int beta, Breakdown& breakdown) {
     // 1. Material, and whether anybody can win at all.
     const MaterialInfo& material = memory.materials.find(board);
     const int scale = scaleFactor(board, material);

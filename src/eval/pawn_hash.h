@@ -17,9 +17,9 @@ namespace vatro {
 /// All that the evaluation takes from the pawns alone.
 struct PawnStructure {
     SquareMask passed[ColourCount];  // pawns that no enemy pawn can stop any more
-    ScorePair score;             // White's terms minus Black's
-    std::uint8_t openFiles;      // bit f: no pawn on file f (0 = a)
-    std::uint8_t halfOpenFiles;  // bit f: pawns of exactly one colour on file f
+    ScorePair score;                 // White's terms minus Black's
+    std::uint8_t openFiles;          // bit f: no pawn on file f (0 = a)
+    std::uint8_t halfOpenFiles;      // bit f: pawns of exactly one colour on file f
 };
 
 /// Relaxed loads and stores suffice: the first word vouches for the others.

@@ -45,8 +45,8 @@ std::vector<Move> pickAll(const Board_0x88& board,
 MoveList scoredMoves(const Board_0x88& board) {
     MoveList list;
     const PinInfo info = computePins(board);
-    board.sideToMove == White ? generateScoredMoves<White>(board, info, list)
-                              : generateScoredMoves<Black>(board, info, list);
+    board.sideToMove == White ? generateScoredMoves<White>(board, info, KillerSet(board), list)
+                              : generateScoredMoves<Black>(board, info, KillerSet(board), list);
     return list;
 }
 
