@@ -1,6 +1,9 @@
 // src/board/move_ordering.cpp - scores of moves and the losing-capture test.
 #include "board/move_ordering.h"
 
+#include <algorithm>
+#include <bit>
+#include <limits>
 #include <type_traits>
 
 #include "board/move_generator.h"
@@ -137,7 +140,79 @@ class CaptureSink {
     MoveList& list;
 };
 
+/// A set of places in a move list.
+class PlaceSet {
+  public:
+    void add(unsigned place) { words[place / 64] |= std::uint64_t{1} << (place % 64); }
+    unsigned countBelow(unsigned place) const {
+        const std::uint64_t below = (std::uint64_t{1} << (place % 64)) - 1;
+        int count = std::popcount(words[place / 64] & below);
+        for (unsigned word = 0; word < place / 64; ++word) {
+            count += std::popcount(words[word]);
+        }
+        return static_cast<unsigned>(count);
+    }
+
+  private:
+    std::uint64_t words[MoveList::Capacity / 64 + 1] = {};
+};
+
+/// Carries the first move of a queue to its end, so many times.
+void turn(ScoredMove* first, ScoredMove* end, unsigned times) {
+    const auto size = static_cast<unsigned>(end - first);
+    if (size > 1 && times % size != 0) std::rotate(first, first + times % size, end);
+}
+
+/// What a move is sorted by: ascending, the best score first, equal scores as they stand.
+int sortKey(const ScoredMove& entry, unsigned place) {
+    return -entry.score * 256 + static_cast<int>(place);
+}
+static_assert(MoveList::Capacity < 256);
+
 }  // namespace
+
+// In terms of selection: the moves of one score that no better move precedes form a queue. Each
+// selection of a better move carries the queue's first move past the others to its end, and frees
+// the way for the moves behind it by one. So a move joins the queue after as many selections as it
+// has better moves before it, and the queue turns until all better moves are gone.
+void sortAsSelected(MoveList& list) {
+    const unsigned count = list.count;
+    int keys[MoveList::Capacity + 1];
+    for (unsigned i = 0; i < count; ++i) {
+        keys[i] = sortKey(list.moves[i], i);
+    }
+    constexpr unsigned Lanes = 8;  // the ranks are counted in whole vectors
+    const unsigned padded = (count + Lanes - 1) / Lanes * Lanes;
+    std::fill(keys + count, keys + padded, std::numeric_limits<int>::max());
+
+    ScoredMove sorted[MoveList::Capacity];
+    std::uint8_t places[MoveList::Capacity];  // in the unsorted list
+    for (unsigned i = 0; i < count; ++i) {
+        int rank = 0;
+        for (unsigned j = 0; j < padded; ++j) {
+            rank += keys[j] < keys[i];
+        }
+        sorted[rank] = list.moves[i];
+        places[rank] = static_cast<std::uint8_t>(i);
+    }
+
+    PlaceSet better;
+    for (unsigned first = 0, end; first < count; first = end) {
+        end = first + 1;
+        while (end < count && sorted[end].score == sorted[first].score)
+            ++end;
+        unsigned joined = better.countBelow(places[first]);
+        for (unsigned i = first + 1; i < end; ++i) {
+            const unsigned next = better.countBelow(places[i]);
+            turn(sorted + first, sorted + i, next - joined);
+            joined = next;
+        }
+        turn(sorted + first, sorted + end, first - joined);
+        for (unsigned i = first; i < end; ++i)
+            better.add(places[i]);
+    }
+    std::copy_n(sorted, count, list.moves);
+}
 
 template <Colour Us>
 bool isBadCapture(const Board_0x88& board, Move move, int& gain) {

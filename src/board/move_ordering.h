@@ -49,6 +49,11 @@ class KillerSet {
     SquareMask targets = 0;
 };
 
+/// Puts a list into the order in which selection hands it out: again and again the first of the
+/// best moves left, which every better one on the way to it has changed places with its forerunner.
+/// Selection itself is cheaper when only a few moves are asked for.
+void sortAsSelected(MoveList& list);
+
 /// Appends all legal moves with their scores: good captures and promotions first, then killers,
 /// then quiet moves by their piece-square gain.
 template <Colour Us>

@@ -34,10 +34,16 @@ class MovePicker {
     Move next();
 
   private:
-    enum class Stage { First, Second, Generate, GoodCaptures, Rest };
+    enum class Stage { First, Second, Generate, GoodCaptures, Selected, Sorted };
 
-    /// The next best move of the list that has not been handed out, NoMove at its end.
-    Move nextOfList();
+    bool isPreferred(Move move) const {
+        return (firstMove && sameMove(move, firstMove)) ||
+               (secondMove && sameMove(move, secondMove));
+    }
+    /// The best move of the list that has not been handed out, NoMove at its end.
+    Move nextSelected();
+    /// The same for a sorted list.
+    Move nextSorted();
     /// Good captures are generated first where the full list surely has room for all moves: eight
     /// pawns that all promote in three ways, the other pieces, and up to 15 moves more for a
     /// surplus piece than for the pawn it was make 203 + 3 * 15 < MoveList::Capacity.
@@ -81,7 +87,9 @@ inline Move MovePicker::selectBest() {
 
 template <Colour Us>
 Move MovePicker::next() {
-    if (stage == Stage::Rest) return nextOfList();  // most calls
+    // Most calls; not in the switch, whose jump is hard to predict.
+    if (stage == Stage::Selected) return nextSelected();
+    if (stage == Stage::Sorted) return nextSorted();
     switch (stage) {
         case Stage::First:
             stage = Stage::Second;
@@ -97,42 +105,45 @@ Move MovePicker::next() {
             }
             [[fallthrough]];
         case Stage::Generate:
-            stage = Stage::Rest;
+            stage = Stage::Selected;
             if (phase == Phase::Captures) {
                 generateCaptures<Us>(board, info, list);
-                return nextOfList();
+                return nextSelected();
             }
             killers = KillerSet(board);  // as they are now: the search of the captures changes them
             if (!beginsWithGoodCaptures<Us>()) {
                 generateScoredMoves<Us>(board, info, killers, list);
-                return nextOfList();
+                return nextSelected();
             }
             stage = Stage::GoodCaptures;
             generateGoodCaptures<Us>(board, info, list);
             [[fallthrough]];
-        case Stage::GoodCaptures: {
-            if (const Move move = nextOfList()) return move;
-            stage = Stage::Rest;
-            // The order of equal quiet moves depends on the swaps for the captures before them.
-            const unsigned handedOut = std::exchange(list.count, 0);
-            current = 0;
+        case Stage::GoodCaptures:
+            if (const Move move = nextSelected()) return move;
+            stage = Stage::Sorted;
+            list.count = 0;
             generateScoredMoves<Us>(board, info, killers, list);
-            while (current < handedOut)
-                selectBest();
-            [[fallthrough]];
-        }
-        case Stage::Rest:
-            return nextOfList();
+            sortAsSelected(list);  // the captures handed out stand in front again
+            return nextSorted();
+        case Stage::Selected:
+        case Stage::Sorted:
+            break;
     }
     return NoMove;
 }
 
-inline Move MovePicker::nextOfList() {
+inline Move MovePicker::nextSelected() {
     while (current < list.count) {
         const Move move = selectBest();
-        if (firstMove && sameMove(move, firstMove)) continue;
-        if (secondMove && sameMove(move, secondMove)) continue;
-        return move;
+        if (!isPreferred(move)) return move;
+    }
+    return NoMove;
+}
+
+inline Move MovePicker::nextSorted() {
+    while (current < list.count) {
+        const Move move = list.moves[current++].move;
+        if (!isPreferred(move)) return move;
     }
     return NoMove;
 }

@@ -148,6 +148,43 @@ TEST(MovePicker, HandsOutPreferredMovesThenTheRestByScoreEachOnce) {
             forEachRandomPosition(fen, 100, random, check);
         }
     }
+    for (const char* fen : oddPositions)
+        forEachRandomPosition(fen, 30, random, check);
+    // With so many surplus pieces the whole list is generated at once.
+    forEachRandomPosition("4k3/8/Q2Q2Q1/1Q2Q2Q/2Q5/R6R/B3N2Q/1B2K1NQ w - - 0 1", 30, random, check);
+}
+
+TEST(MovePicker, SortedListsStandAsSelectionHandsThemOut) {
+    TestRandom random(21);
+    for (int i = 0; i < 3000; ++i) {
+        MoveList list;
+        const unsigned size = random.below(i % 10 ? 50 : MoveList::Capacity + 1);
+        const unsigned scores = 1 + random.below(30);
+        for (unsigned move = 1; move <= size; ++move) {
+            list.add(static_cast<Move>(move), static_cast<int>(random.below(scores)) - 10);
+        }
+        const std::vector<Move> expected = selectionOrder(list);
+        sortAsSelected(list);
+        std::vector<Move> sorted;
+        for (const ScoredMove& entry : list)
+            sorted.push_back(entry.move);
+        ASSERT_EQ(sorted, expected) << size << ' ' << scores;
+    }
+}
+
+// The search of the captures writes killers, which must not count for the moves after them.
+TEST(MovePicker, KillersAreThoseOfTheFirstGeneratedMove) {
+    const auto board =
+        boardOf("r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq - 0 1");
+    board->record().killers[0] = findMove(*board, "a2a3");
+    const std::vector<Move> expected = selectionOrder(scoredMoves(*board));
+    MovePicker picker(*board, computePins(*board), MovePicker::Phase::AllMoves);
+    std::vector<Move> picked = {picker.next<White>()};
+    board->record().killers[0] = findMove(*board, "e1g1");
+    board->plyRecords[board->ply + 2].killers[0] = findMove(*board, "c3b1");
+    for (const Move move : pickAll<White>(picker))
+        picked.push_back(move);
+    EXPECT_EQ(picked, expected);
 }
 
 TEST(MovePicker, CapturesAreSortedByVictimThenAttacker) {
