@@ -137,7 +137,7 @@ unsigned countLegalMoves(const Board_0x88& board, const PinInfo& info) {
 }
 
 template <Colour Us>
-bool hasOnlyOneLegalMove(const Board_0x88& board, const PinInfo& info) {
+[[gnu::noinline]] bool hasOnlyOneLegalMove(const Board_0x88& board, const PinInfo& info) {
     SeveralSink sink;
     Generator<Us, Kind::All, SeveralSink>(board, info, sink).generate();
     return sink.count == 1;

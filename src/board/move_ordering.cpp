@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <bit>
 #include <limits>
-#include <type_traits>
 
 #include "board/move_generator.h"
 #include "board/piece_square_table.h"
@@ -29,36 +28,39 @@ bool isLosing(const Board_0x88& board, PieceType mover, PieceType victim, int to
     return asksKnights && (knightAttacks[to] & theirs[Knight]);
 }
 
+int captureScore(PieceType mover, PieceType victim) {
+    return 64 * orderingValue[victim] - orderingValue[mover];
+}
+/// `victim`: NoPiece for a promotion without a capture.
+int promotionScore(PieceType into, PieceType victim) {
+    return 8 * (8 * orderingValue[victim] + orderingValue[into]) - orderingValue[Pawn];
+}
+
 constexpr int GoodCaptureBonus = 1000;
 constexpr int BadCaptureMalus = 50;
 constexpr int KillerBonus = 150;
 
-/// For a sink that is not asked for quiet moves, nor for captures that rank among them.
-struct NoQuiets {};
-
-/// Appends moves with the scores of the search. Quiets: a KillerSet, or NoQuiets for good captures
-/// and promotions alone.
-template <Colour Us, typename Quiets>
+/// Appends moves with the scores of the search.
+template <Colour Us>
 class ScoringSink {
   public:
-    ScoringSink(const Board_0x88& position, const Quiets& wanted, MoveList& out)
-        : board(position), list(out), quiets(wanted) {}
+    ScoringSink(const Board_0x88& position, const KillerSet& refutations, MoveList& out)
+        : board(position), killers(refutations), list(out) {}
 
     void addPawnStep(int from, int to, unsigned extra) {
         addQuiet(Pawn, makeMoveWord(from, to, Normal, extra), from, to);
     }
     void addPawnCapture(int from, int to) { addCapture(Pawn, from, to); }
     void addEnPassant(int from, int to) {
-        list.add(makeMoveWord(from, to, EnPassant), 64 - orderingValue[Pawn] + GoodCaptureBonus);
+        list.add(makeMoveWord(from, to, EnPassant), captureScore(Pawn, Pawn) + GoodCaptureBonus);
     }
     void addCastling(int from, int to, unsigned kind) {
         addQuiet(King, makeMoveWord(from, to, Castling, kind), from, to);
     }
     void addPromotions(int from, int to, Kind) {
-        const int victim = orderingValue[board.pieceOn[toSquare(to)]];
         for (const PieceType into : {Queen, Knight, Rook, Bishop}) {
-            const int score = (orderingValue[into] + 8 * victim) * 8 - orderingValue[Pawn];
-            list.add(makePromotion(from, to, into), score + GoodCaptureBonus);
+            list.add(makePromotion(from, to, into),
+                     promotionScore(into, board.pieceAt(toSquare(to))) + GoodCaptureBonus);
         }
     }
     void addTargets(PieceType type, int from, SquareMask targets, const StepOrder& order) {
@@ -72,8 +74,6 @@ class ScoringSink {
     }
 
   private:
-    static constexpr bool wantsQuiets = std::is_same_v<Quiets, KillerSet>;
-
     void addPieceMove(PieceType type, int from, int to) {
         if (board.pieceOn[toSquare(to)] == NoPiece) {
             addQuiet(type, makeMoveWord(from, to), from, to);
@@ -83,42 +83,47 @@ class ScoringSink {
     }
 
     void addQuiet(PieceType type, Move move, int from, int to) {
-        if constexpr (wantsQuiets) {
-            const int gain = quiets.contains(from, to) ? KillerBonus
-                                                       : pieceSquareTable.at(Us, type, to).mg -
-                                                             pieceSquareTable.at(Us, type, from).mg;
-            list.add(move, gain - orderingValue[type]);
-        }
+        const int gain = killers.contains(from, to) ? KillerBonus
+                                                    : pieceSquareTable.at(Us, type, to).mg -
+                                                          pieceSquareTable.at(Us, type, from).mg;
+        list.add(move, gain - orderingValue[type]);
     }
 
     void addCapture(PieceType type, int from, int to) {
         const PieceType victim = board.pieceAt(toSquare(to));
-        const int score = 64 * orderingValue[victim] - orderingValue[type];
         const bool bad = isLosing<Us>(board, type, victim, to);
-        if (bad && !wantsQuiets) return;
-        list.add(makeMoveWord(from, to), score + (bad ? -BadCaptureMalus : GoodCaptureBonus));
+        list.add(makeMoveWord(from, to),
+                 captureScore(type, victim) + (bad ? -BadCaptureMalus : GoodCaptureBonus));
     }
 
     const Board_0x88& board;
+    const KillerSet& killers;
     MoveList& list;
-    const Quiets& quiets;
 };
 
-/// Appends captures with the scores of quiescence.
+/// Appends captures and promotions with the scores of quiescence, which put good captures into the
+/// order of the search too.
+template <Colour Us>
 class CaptureSink {
   public:
-    CaptureSink(const Board_0x88& position, MoveList& out) : board(position), list(out) {}
+    /// What is wanted: all captures and promotions to a queen, or good captures and all promotions.
+    enum class Choice { All, Good };
+
+    CaptureSink(const Board_0x88& position, Choice wanted, MoveList& out)
+        : board(position), choice(wanted), list(out) {}
 
     void addPawnStep(int, int, unsigned) {}
     void addCastling(int, int, unsigned) {}
     void addPawnCapture(int from, int to) { addCapture(Pawn, from, to); }
     void addEnPassant(int from, int to) {
-        list.add(makeMoveWord(from, to, EnPassant), 64 - orderingValue[Pawn]);
+        list.add(makeMoveWord(from, to, EnPassant), captureScore(Pawn, Pawn));
     }
     void addPromotions(int from, int to, Kind) {
-        const int victim = orderingValue[board.pieceOn[toSquare(to)]];
-        list.add(makePromotion(from, to, Queen),
-                 8 * (8 * victim + orderingValue[Queen]) - orderingValue[Pawn]);
+        for (const PieceType into : {Queen, Knight, Rook, Bishop}) {
+            list.add(makePromotion(from, to, into),
+                     promotionScore(into, board.pieceAt(toSquare(to))));
+            if (choice == Choice::All) return;
+        }
     }
     void addTargets(PieceType type, int from, SquareMask targets, const StepOrder& order) {
         for (int i = 0; i < order.count; ++i) {
@@ -133,12 +138,25 @@ class CaptureSink {
   private:
     void addCapture(PieceType type, int from, int to) {
         const PieceType victim = board.pieceAt(toSquare(to));
-        list.add(makeMoveWord(from, to), 64 * orderingValue[victim] - orderingValue[type]);
+        if (choice == Choice::Good && isLosing<Us>(board, type, victim, to)) return;
+        list.add(makeMoveWord(from, to), captureScore(type, victim));
     }
 
     const Board_0x88& board;
+    const Choice choice;
     MoveList& list;
 };
+
+/// One routine for both choices, which are made in turn: the code of a search barely fits into the
+/// processor's first cache.
+template <Colour Us>
+[[gnu::noinline]] void appendCaptures(const Board_0x88& board,
+                                      const PinInfo& info,
+                                      typename CaptureSink<Us>::Choice choice,
+                                      MoveList& list) {
+    CaptureSink<Us> sink(board, choice, list);
+    Generator<Us, Kind::Captures, CaptureSink<Us>>(board, info, sink).generate();
+}
 
 /// A set of places in a move list.
 class PlaceSet {
@@ -240,26 +258,22 @@ bool isBadCapture(const Board_0x88& board, Move move, int& gain) {
 }
 
 template <Colour Us>
-void generateScoredMoves(const Board_0x88& board,
-                         const PinInfo& info,
-                         const KillerSet& killers,
-                         MoveList& list) {
-    using Sink = ScoringSink<Us, KillerSet>;
-    Sink sink(board, killers, list);
-    Generator<Us, Kind::All, Sink>(board, info, sink).generate();
+[[gnu::noinline]] void generateScoredMoves(const Board_0x88& board,
+                                           const PinInfo& info,
+                                           const KillerSet& killers,
+                                           MoveList& list) {
+    ScoringSink<Us> sink(board, killers, list);
+    Generator<Us, Kind::All, ScoringSink<Us>>(board, info, sink).generate();
 }
 
 template <Colour Us>
 void generateGoodCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list) {
-    using Sink = ScoringSink<Us, NoQuiets>;
-    Sink sink(board, {}, list);
-    Generator<Us, Kind::Captures, Sink>(board, info, sink).generate();
+    appendCaptures<Us>(board, info, CaptureSink<Us>::Choice::Good, list);
 }
 
 template <Colour Us>
 void generateCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list) {
-    CaptureSink sink(board, list);
-    Generator<Us, Kind::Captures, CaptureSink>(board, info, sink).generate();
+    appendCaptures<Us>(board, info, CaptureSink<Us>::Choice::All, list);
 }
 
 void generateCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list) {

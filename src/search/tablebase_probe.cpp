@@ -22,7 +22,7 @@ void listPieces(const Board_0x88& board,
 }  // namespace
 
 template <Colour Us>
-bool Searcher::probeTablebases(bool mayReadDisk, int& score) {
+[[gnu::noinline]] bool Searcher::probeTablebases(bool mayReadDisk, int& score) {
     if (board.castlingRights || !context.tablebases.initialised()) return false;
     TablebaseState::Query query;
     query.sideToMove = Us;
