@@ -131,12 +131,12 @@ class CaptureSink {
             if ((targets >> to) & 1) addCapture(type, from, to);
         }
     }
-    void addSliding(PieceType type, int from, SquareMask targets, int firstRay) {
+    [[gnu::noinline]] void addSliding(PieceType type, int from, SquareMask targets, int firstRay) {
         forEachOnRays(from, targets, firstRay, [&](int to) { addCapture(type, from, to); });
     }
 
   private:
-    void addCapture(PieceType type, int from, int to) {
+    [[gnu::noinline]] void addCapture(PieceType type, int from, int to) {
         const PieceType victim = board.pieceAt(toSquare(to));
         if (choice == Choice::Good && isLosing<Us>(board, type, victim, to)) return;
         list.add(makeMoveWord(from, to), captureScore(type, victim));
