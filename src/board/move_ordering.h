@@ -62,8 +62,8 @@ void generateScoredMoves(const Board_0x88& board,
                          const KillerSet& killers,
                          MoveList& list);
 
-/// Appends those that come before all killers and quiet moves, the good captures and the promotions,
-/// with other scores that put them into the same order.
+/// Appends those that come before all killers and quiet moves, the good captures and the
+/// promotions, with other scores that put them into the same order.
 template <Colour Us>
 void generateGoodCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list);
 

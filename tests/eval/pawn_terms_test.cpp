@@ -133,8 +133,10 @@ TEST(PawnTerms, AgreeWithTheSlowDefinitions) {
             ASSERT_EQ((structure.openFiles >> file) & 1, colours == 0);
             ASSERT_EQ((structure.halfOpenFiles >> file) & 1, colours == 1);
         }
-        ASSERT_EQ(pairOf(passedPawnTerms<White>(*board, structure.passed[White])), pairOf(white.allPassed()));
-        ASSERT_EQ(pairOf(passedPawnTerms<Black>(*board, structure.passed[Black])), pairOf(black.allPassed()));
+        ASSERT_EQ(pairOf(passedPawnTerms<White>(*board, structure.passed[White])),
+                  pairOf(white.allPassed()));
+        ASSERT_EQ(pairOf(passedPawnTerms<Black>(*board, structure.passed[Black])),
+                  pairOf(black.allPassed()));
     }
 }
 
