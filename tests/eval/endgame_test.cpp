@@ -1,4 +1,6 @@
 // endgame_test.cpp - material, the scale of hard endings, and positions without pawns.
+#include <iterator>
+
 #include <gtest/gtest.h>
 
 #include "eval/endgame_rules.h"
@@ -35,6 +37,25 @@ TEST(Material, PhaseValuesAndMatingMaterial) {
             << c.fen << ' ' << info.material.mg << ' ' << info.material.eg;
         EXPECT_EQ(info.canWin[White], c.whiteCanWin) << c.fen;
         EXPECT_EQ(info.canWin[Black], c.blackCanWin) << c.fen;
+    }
+}
+
+TEST(Material, TheTableSaysWhatIsComputed) {
+    MaterialTable materials;
+    TestRandom random(14);
+    EXPECT_EQ(materials.find(*boardOf("8/8/8/8/8/8/8/8 w - -")).phase, 0);  // as an unused entry
+    for (int game = 0; game < 60; ++game) {  // far more material than the table holds
+        forEachRandomPosition(richPositions[random.below(std::size(richPositions))], 200, random,
+                              [&](const Board_0x88& board) {
+                                  const MaterialInfo expected = computeMaterial(board);
+                                  const MaterialInfo& found = materials.find(board);
+                                  ASSERT_EQ(found.phase, expected.phase) << board.toFEN();
+                                  ASSERT_EQ(found.material, expected.material) << board.toFEN();
+                                  for (const Colour colour : {White, Black}) {
+                                      ASSERT_EQ(found.canWin[colour], expected.canWin[colour])
+                                          << board.toFEN();
+                                  }
+                              });
     }
 }
 
