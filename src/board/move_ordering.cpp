@@ -126,16 +126,21 @@ class CaptureSink {
         }
     }
     void addTargets(PieceType type, int from, SquareMask targets, const StepOrder& order) {
+        if (isSingle(targets)) return addCapture(type, from, lowestSquare(targets));
         for (int i = 0; i < order.count; ++i) {
             const int to = order.targets[i];
             if ((targets >> to) & 1) addCapture(type, from, to);
         }
     }
     [[gnu::noinline]] void addSliding(PieceType type, int from, SquareMask targets, int firstRay) {
+        if (isSingle(targets)) return addCapture(type, from, lowestSquare(targets));
         forEachOnRays(from, targets, firstRay, [&](int to) { addCapture(type, from, to); });
     }
 
   private:
+    /// Most pieces can take nothing or just one piece.
+    static bool isSingle(SquareMask targets) { return (targets & (targets - 1)) == 0; }
+
     [[gnu::noinline]] void addCapture(PieceType type, int from, int to) {
         const PieceType victim = board.pieceAt(toSquare(to));
         if (choice == Choice::Good && isLosing<Us>(board, type, victim, to)) return;
