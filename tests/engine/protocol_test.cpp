@@ -340,7 +340,10 @@ TEST(Tools, PrintTheirFigures) {
     std::string fen;
     int fens = 0;
     for (; std::getline(file, fen); ++fens) {
-        EXPECT_EQ(Lines(), session.answersTo("force\nsetboard " + fen)) << fen;
+        // Nothing is said of a position but the result, should it be mate or stalemate.
+        for (const std::string& answer : session.answersTo("force\nsetboard " + fen)) {
+            EXPECT_NE(std::string::npos, answer.find('{')) << fen << '\n' << answer;
+        }
     }
     EXPECT_EQ(10, fens);
     session.directory.writeFile("two.txt", "8/8/8/8/8/8/8/8 w - -  \r\nnot a position");
