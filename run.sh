@@ -9,14 +9,14 @@ cd "$(dirname "$(readlink -f "$0")")"
 
 program=build/vatro
 games=data/openings.pgn
-# Both are written before the work they stand for begins, so that a change made meanwhile counts.
+# As old as the beginning of the last build, so that a change made during the build still counts.
 built=build/.built
 book=build/book.bin
 
-# True when the program stands for the sources as they are.
+# True when no source has changed since the program was built.
 is_built() {
     [ -x $program ] && [ -e $built ] &&
-        [ -z "$(find CMakeLists.txt src -newer $built -print -quit)" ]
+        [ -z "$(find CMakeLists.txt cmake src -newer $built -print -quit)" ]
 }
 
 build() {

@@ -1,6 +1,6 @@
 #!/bin/bash
-# Builds Vatro with its tests and benchmarks in build/ and runs the tests; arguments go to ctest, for
-# example ./test.sh -L fast. VATRO_WERROR=ON takes warnings as errors.
+# Builds Vatro with its tests in build/ and runs them; arguments go to ctest, for example
+# ./test.sh -L fast. VATRO_WERROR=ON takes warnings as errors.
 set -e
 cd "$(dirname "$(readlink -f "$0")")"
 . scripts/packages.sh
@@ -11,7 +11,6 @@ need make has_program make
 install_missing
 need zlib1g-dev has_header zlib.h
 need libgtest-dev has_header gtest/gtest.h
-need libbenchmark-dev has_header benchmark/benchmark.h
 install_missing
 
 jobs=$(getconf _NPROCESSORS_ONLN)

@@ -60,7 +60,9 @@ void captureGeneration(benchmark::State& state) {
     while (state.KeepRunning()) {
         for (const auto& board : boards) {
             MoveList list;
-            generateCaptures(*board, computePins(*board), list);
+            const PinInfo pins = computePins(*board);
+            board->sideToMove == White ? generateCaptures<White>(*board, pins, list)
+                                       : generateCaptures<Black>(*board, pins, list);
             benchmark::DoNotOptimize(list);
         }
     }
@@ -106,9 +108,9 @@ void attackTest(benchmark::State& state) {
     while (state.KeepRunning()) {
         int attacked = 0;
         for (const auto& board : boards) {
-            for (int sq64 = 0; sq64 < 64; ++sq64) {
-                attacked += isAttacked(*board, toSquare(sq64), White);
-                attacked += isAttacked(*board, toSquare(sq64), Black);
+            for (const Square64 square : allSquares) {
+                attacked += isAttacked(*board, as88(square), White);
+                attacked += isAttacked(*board, as88(square), Black);
             }
         }
         benchmark::DoNotOptimize(attacked);

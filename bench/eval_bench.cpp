@@ -52,7 +52,7 @@ void evaluateAll(benchmark::State& state, int alpha, int beta, Prepare prepare) 
     const auto boards = setUpPositions();
     PawnHashTable pawnHash;
     if (!pawnHash.resize(1)) return state.SkipWithError("no memory");
-    std::uint64_t hits = 0;
+    Counter hits;
     EvalMemory memory{pawnHash, hits};
     while (state.KeepRunningBatch(static_cast<std::int64_t>(boards.size()))) {
         for (const auto& board : boards) {

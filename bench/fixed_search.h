@@ -1,10 +1,12 @@
 // bench/fixed_search.h - a search that depends on nothing but its position and depth.
 //
-// One thread, no clock, no output: what tests hold against expected counts and benchmarks time.
+// One thread, no clock, and what it reports is kept, not printed: tests hold it against expected
+// results and counts, benchmarks time it.
 #pragma once
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "board/game.h"
@@ -32,20 +34,30 @@ inline constexpr const char* fixedPositions[] = {
     "8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - - 0 1",
 };
 
-/// What the search said while it ran.
-struct ThinkingRecord final : SearchInterface {
+/// What the search reported while it ran.
+struct SearchRecord final : SearchInterface, SearchReporter {
     struct Line {
         unsigned depth;
         int score;
         std::vector<Move> moves;
     };
     std::vector<Line> lines;
+    std::vector<Move> refusedMoves;
+    std::optional<StopReport> stop;
+
+    void clear() {
+        lines.clear();
+        refusedMoves.clear();
+        stop.reset();
+    }
 
     bool timeout() override { return false; }
     void printThinking(unsigned depth, int score, const PrincipalVariation& line) override {
         lines.push_back({depth, score, {line.moves, line.moves + line.length}});
     }
     void printStatistics() override {}
+    void reportStop(const StopReport& report) override { stop = report; }
+    void reportRefusedMove(Move move) override { refusedMoves.push_back(move); }
 };
 
 class FixedSearch {
@@ -60,19 +72,19 @@ class FixedSearch {
     SearchResult run(const Board_0x88& board, unsigned depth) {
         control.maxDepth = depth;
         control.startSearch();
-        record.lines.clear();
-        searcher->clearFlags();
-        return searcher->iterativeDeepening(board);
+        record.clear();
+        searcher->prepare(board);
+        return searcher->iterativeDeepening();
     }
 
     TimeControl control;
     TranspositionTable table;
     PawnHashTable pawnHash;
     TablebaseState tablebases;
-    ThinkingRecord record;
+    SearchRecord record;
     const bool tablesReady;
-    std::unique_ptr<Searcher> searcher =
-        std::make_unique<Searcher>(0, SearchContext{table, pawnHash, tablebases, control, record});
+    std::unique_ptr<Searcher> searcher = std::make_unique<Searcher>(
+        0, SearchContext{table, pawnHash, tablebases, control, record, record});
 };
 
 /// Nodes of all fixed positions, each searched to `depth` with empty tables.

@@ -108,11 +108,10 @@ void PlainBoard::addPawnMoves(int from, std::vector<PlainMove>& moves) const {
         if (to >= 0 && (isEnemy(to) || to == epSquare)) add(to);
     }
     const int one = step(from, 0, ahead);
-    if (!isEmpty(one)) return;
+    if (one < 0 || !isEmpty(one)) return;
     add(one);
-    if (from / 8 == (whiteToMove ? 1 : 6) && isEmpty(step(one, 0, ahead))) {
-        moves.push_back({from, step(one, 0, ahead)});
-    }
+    const int two = step(one, 0, ahead);
+    if (from / 8 == (whiteToMove ? 1 : 6) && isEmpty(two)) moves.push_back({from, two});
 }
 
 void PlainBoard::addCastling(int from, std::vector<PlainMove>& moves) const {

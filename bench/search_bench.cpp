@@ -5,7 +5,6 @@
 #include <benchmark/benchmark.h>
 
 #include "bench/fixed_search.h"
-#include "eval/scores.h"
 
 namespace vatro {
 namespace {
@@ -27,7 +26,7 @@ void tableProbe(benchmark::State& state) {
     const std::vector<Key> keys = randomKeys();
     std::size_t i = 0;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(table.probe(keys[i++ % keys.size()], {-1, 1, 0, 5}));
+        benchmark::DoNotOptimize(table.probe(keys[i++ % keys.size()]));
     }
 }
 BENCHMARK(tableProbe);
@@ -38,7 +37,7 @@ void tableStore(benchmark::State& state) {
     const std::vector<Key> keys = randomKeys();
     std::size_t i = 0;
     for (auto _ : state) {
-        table.store(keys[i++ % keys.size()], 0, {-MateScore, MateScore - 1}, {-1, 1, 0, 5}, 0, 1);
+        table.store(keys[i++ % keys.size()], {1, 0, Bound::Exact, 5, 0});
     }
 }
 BENCHMARK(tableStore);

@@ -1,6 +1,7 @@
-// bench/signature.cpp - the total of nodes over the fixed positions: "signature [depth]".
+// bench/signature.cpp - the nodes of the fixed positions: "signature [depth [expected nodes]]".
 //
-// A change that is meant to alter speed alone leaves the number as it is.
+// A change that is meant to alter speed alone leaves the number as it is. Where another number is
+// expected, the program fails.
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -16,5 +17,9 @@ int main(int argc, char** argv) {
     std::printf("depth %d: %llu nodes, %.0f nodes/s\n", depth,
                 static_cast<unsigned long long>(nodes),
                 static_cast<double>(nodes) / seconds.count());
+    if (argc > 2 && nodes != std::strtoull(argv[2], nullptr, 10)) {
+        std::printf("expected: %s nodes\n", argv[2]);
+        return EXIT_FAILURE;
+    }
     return EXIT_SUCCESS;
 }

@@ -90,7 +90,7 @@ std::vector<TablebaseState::Query> makeQueries(const TablebaseState& tables, boo
             return static_cast<std::uint8_t>(random() % count);
         };
         query.sideToMove = static_cast<int>(random() % 2);
-        query.whiteSquares = {square(64), square(64), TablebaseState::NoSquare64};
+        query.whiteSquares = {square(64), square(64), TablebaseState::EndOfList};
         query.whiteTypes = {6, 4, 0};
         const int pawn = isSpread ? square(48) + 8 : 34;
         query.blackSquares = {square(64), static_cast<std::uint8_t>(pawn), 64};

@@ -14,14 +14,16 @@
 #include <functional>
 #include <iterator>
 #include <random>
+#include <span>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <unistd.h>
 #include <vector>
 
+#include "base/text.h"
 #include "engine/input_reader.h"
-#include "engine/tokens.h"
+#include "engine/settings.h"
 #include "engine/wb_engine.h"
 
 using namespace vatro;
@@ -39,18 +41,10 @@ constexpr std::size_t MostLines = 40;  // of a run
 
 // --- Cutting down ---
 
-std::string joined(const Words& words) {
-    std::string line;
-    for (const std::string& word : words) {
-        line += (line.empty() ? "" : " ") + word;
-    }
-    return line;
-}
-
 /// The line with one of its numbers kept to `most`.
 std::string limited(Words words, std::size_t index, int most) {
     words[index] = std::to_string(std::min(readNumber(words[index]), most));
-    return joined(words);
+    return joinTokens(words, ' ');
 }
 
 /// Whether a command may end the limit of the depth.
@@ -61,11 +55,11 @@ bool endsDepthLimit(std::string_view word) {
 
 /// A level that gives a move a few hundredths of a second at most; its faults stay.
 std::string shortLevel(Words words) {
-    if (words.size() != 4) return joined(words);
+    if (words.size() != 4) return joinTokens(words, ' ');
     const auto colons = std::count(words[2].begin(), words[2].end(), ':');
     if (colons < 2 && !words[2].empty()) words[2] = "0:01";
     words[3] = std::to_string(std::min(readNumber(words[3]), 0));
-    return joined(words);
+    return joinTokens(words, ' ');
 }
 
 /// The line that is sent for one of the input's; an empty one for the self-test, which takes long.
@@ -116,9 +110,12 @@ const char* const positions[] = {
     "7k/8/6K1/8/8/8/8/R7 w - - 0 1",
     "8/8/8/8/8/2k5/8/K1BN4 w - - 90 1",
 };
-const char* const options[] = {
-    "ttHashSizeMB", "pawnHashSizeMB", "gtbCacheSizeMB", "gtbPath", "bookFilePath", "name",
-};
+/// The name of a setting; now and then one that there is not.
+std::string settingName(Random& random) {
+    const std::span<const Setting> all = settings();
+    const std::size_t index = random() % (all.size() + 1);
+    return index < all.size() ? std::string(all[index].name) : "name";
+}
 
 template <typename Table>
 std::string pick(const Table& table, Random& random) {
@@ -150,7 +147,7 @@ std::string randomLine(Random& random) {
         case 7:
             return "setboard " + pick(positions, random);
         case 8:
-            return "option " + pick(options, random) + '=' + pick(numbers, random);
+            return "option " + settingName(random) + '=' + pick(numbers, random);
         default:
             return random() % 2 ? "level 40 1 0" : "egtpath gaviota tables";
     }

@@ -4,7 +4,9 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "base/text.h"
 #include "engine/configuration.h"
+#include "engine/settings.h"
 
 using namespace vatro;
 
@@ -21,14 +23,17 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::FILE* const file = fmemopen(const_cast<std::uint8_t*>(data), size, "r");
     if (!file) std::abort();
     TimeControl timeControl;
-    ChessPlayer player(timeControl, nullptr);
+    SearchReporter silent;
+    ChessPlayer player(timeControl, silent, nullptr);
     readConfiguration(file, player);
     std::fclose(file);
-    const bool sound = player.ttHashSizeMB - 1 < 2048 && player.pawnHashSizeMB - 1 < 2048 &&
-                       player.gtbCacheSizeMB <= 256 &&
-                       player.requestedCores - 1 < player.maxCores &&
-                       player.gtbPath.size() <= ChessPlayer::MaxPathLength &&
-                       player.book.path().size() <= PolyglotBook::MaxPathLength;
-    if (!sound) std::abort();
+    for (const Setting& setting : settings()) {
+        const std::string value = setting.value(player);
+        const bool fits = setting.kind == Setting::Kind::Number
+                              ? setting.range.contains(readNumber(value))
+                              : value.size() <= static_cast<std::size_t>(setting.range.max);
+        if (!fits) std::abort();
+    }
+    if (player.requestedCores > player.maxCores) std::abort();
     return 0;
 }

@@ -76,7 +76,7 @@ void probeAll(const TablebaseState& tables) {
             for (const int sideToMove : {0, 1}) {
                 TablebaseState::Query query;
                 query.sideToMove = sideToMove;
-                query.whiteSquares = {7, TablebaseState::NoSquare64};
+                query.whiteSquares = {7, TablebaseState::EndOfList};
                 query.whiteTypes = {6, 0};
                 query.blackSquares = {58, static_cast<std::uint8_t>(square), 64};
                 query.blackTypes = {6, static_cast<std::uint8_t>(type), 0};
@@ -104,7 +104,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (bytes.size() >= egtb::HeaderSize) {
         egtb::HeaderBytes headerBytes;
         std::copy(bytes.begin(), bytes.begin() + egtb::HeaderSize, headerBytes.begin());
-        if (egtb::decodeHeader(headerBytes, header) == egtb::HeaderFault::None) {
+        if (egtb::decodeHeader(headerBytes, header) == egtb::TableFault::None) {
             name = header.material.name();
         }
     }

@@ -1,8 +1,8 @@
 #!/bin/bash
 # scripts/packages.sh - finds what is missing on this machine and installs it; sourced by the scripts.
 #
-# Standard input belongs to the program that the caller starts, standard output to its answers:
-# everything here reads nothing and speaks on standard error.
+# Standard input and output belong to the program that the caller starts: nothing here reads the one,
+# and messages go to standard error.
 
 # Games are not on root's path on Debian.
 PATH="$PATH:/usr/games"

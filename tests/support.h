@@ -1,4 +1,4 @@
-// support.h - what tests of several floors need: boards from text, moves as text, random games.
+// tests/support.h - what the tests share: boards from text, moves as text, random games.
 #pragma once
 
 #include <algorithm>

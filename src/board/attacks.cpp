@@ -1,10 +1,10 @@
-// src/board/attacks.cpp - attack questions asked outside the hot path.
+// board/attacks.cpp - attack questions asked outside the hot path.
 #include "board/attacks.h"
 
 namespace vatro {
 
 bool isAttacked(const Board_0x88& board, Square square, Colour byColour) {
-    const int sq64 = toSq64(square);
+    const Square64 sq64 = as64(square);
     return byColour == White ? attackersOf<White>(board, sq64, board.occupied()) != 0
                              : attackersOf<Black>(board, sq64, board.occupied()) != 0;
 }

@@ -1,28 +1,29 @@
-// src/board/attacks.h - who attacks a square, which pieces are pinned, which moves are legal.
+// board/attacks.h - who attacks a square, and which pieces are pinned.
 #pragma once
 
 #include "board/board.h"
 #include "board/geometry.h"
 #include "board/side.h"
+#include "board/sliding_attacks.h"
 
 namespace vatro {
 
 /// All pieces of `By` that attack a square when `occupied` are the occupied squares.
 template <Colour By>
-inline SquareMask attackersOf(const Board_0x88& board, int sq64, SquareMask occupied) {
+inline SquareMask attackersOf(const Board_0x88& board, Square64 square, SquareMask occupied) {
     const SquareMask* pieces = board.pieceMask[By];
-    SquareMask attackers = (pawnAttacks[Side<By>::Them][sq64] & pieces[Pawn]) |
-                           (knightAttacks[sq64] & pieces[Knight]) |
-                           (kingAttacks[sq64] & pieces[King]);
+    SquareMask attackers = (pawnAttacks[Side<By>::Them][square] & pieces[Pawn]) |
+                           (knightAttacks[square] & pieces[Knight]) |
+                           (kingAttacks[square] & pieces[King]);
     const SquareMask orthogonal = pieces[Rook] | pieces[Queen];
     const SquareMask diagonal = pieces[Bishop] | pieces[Queen];
-    // Most squares are on no line with a slider at all; that is cheaper to see than the attacks.
-    if (rookRays[sq64] & orthogonal) attackers |= rookAttacks(sq64, occupied) & orthogonal;
-    if (bishopRays[sq64] & diagonal) attackers |= bishopAttacks(sq64, occupied) & diagonal;
+    // Most squares share no line with a slider, which is cheaper to see than to compute attacks.
+    if (rookRays[square] & orthogonal) attackers |= rookAttacks(square, occupied) & orthogonal;
+    if (bishopRays[square] & diagonal) attackers |= bishopAttacks(square, occupied) & diagonal;
     return attackers;
 }
 
-/// What generators and legality tests know about the own king. Empty for a side without a king.
+/// Pins and checks of the side to move; all empty when it has no king.
 struct PinInfo {
     SquareMask pinnedOrthogonal = 0;  // own pieces pinned along a rank or file
     SquareMask pinnedDiagonal = 0;    // own pieces pinned along a diagonal
@@ -40,7 +41,7 @@ template <Colour Us>
 inline SquareMask findCheckers(const Board_0x88& board) {
     const Square king = board.kingSquare(Us);
     if (king == NoSquare) return 0;
-    return attackersOf<Side<Us>::Them>(board, toSq64(king), board.occupied());
+    return attackersOf<Side<Us>::Them>(board, as64(king), board.occupied());
 }
 
 /// True when the side to move is in check.
@@ -48,7 +49,7 @@ bool inCheck(const Board_0x88& board);
 
 namespace detail {
 /// Own pieces that stand alone between the king and an enemy slider of one kind.
-inline SquareMask pinnedBy(SquareMask snipers, int king, SquareMask occupied, SquareMask own) {
+inline SquareMask pinnedBy(SquareMask snipers, Square64 king, SquareMask occupied, SquareMask own) {
     SquareMask pinned = 0;
     for (; snipers; snipers &= snipers - 1) {
         const SquareMask between = squaresBetween[king][lowestSquare(snipers)] & occupied;
@@ -58,14 +59,14 @@ inline SquareMask pinnedBy(SquareMask snipers, int king, SquareMask occupied, Sq
 }
 }  // namespace detail
 
-/// The pins of `Us`; the checkers are the caller's.
+/// The pins of `Us`, which the caller has found to be checked by `checkers`.
 template <Colour Us>
 inline PinInfo computePins(const Board_0x88& board, SquareMask checkers) {
     PinInfo info;
     info.checkers = checkers;
     const Square king = board.kingSquare(Us);
     if (king == NoSquare) return info;
-    const int king64 = toSq64(king);
+    const Square64 king64 = as64(king);
     const SquareMask* theirs = board.pieceMask[Side<Us>::Them];
     const SquareMask own = board.pieceMask[Us][NoPiece];
     const SquareMask occupied = board.occupied();
@@ -78,13 +79,5 @@ inline PinInfo computePins(const Board_0x88& board, SquareMask checkers) {
 
 /// Pins and checkers of the side to move.
 PinInfo computePins(const Board_0x88& board);
-
-/// True when `move`, a move that the side to move could make by the way its pieces go, does not
-/// leave its king attacked. `info` is that of the position.
-bool isLegal(const Board_0x88& board, Move move, const PinInfo& info);
-
-/// True when the generator could produce `move` here, its own king's safety aside: for moves that
-/// come from a table or a handed-down line. A move that also passes isLegal can be played.
-bool isValidMove(const Board_0x88& board, Move move);
 
 }  // namespace vatro

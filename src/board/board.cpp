@@ -1,4 +1,4 @@
-// src/board/board.cpp - clearing the board, placing pieces, keys from scratch, display.
+// board/board.cpp - clearing the board, placing pieces, keys from scratch, display.
 #include "board/board.h"
 
 #include <algorithm>
@@ -65,7 +65,7 @@ void putInSlot(Board_0x88& board, Square square, PieceType type, Colour colour, 
     ++list.counts[type];
     ++list.counts[PieceList::Total];
     if (slot >= FirstPawnSlot && type != Pawn) ++list.counts[PieceList::Surplus];
-    const SquareMask bit = maskOf(toSq64(square));
+    const SquareMask bit = maskOf(square);
     board.pieceMask[colour][type] |= bit;
     board.pieceMask[colour][NoPiece] |= bit;
 }
@@ -74,7 +74,7 @@ bool Board_0x88::addPiece(Square square, PieceType type, Colour colour) {
     const int slot = chooseSlot(pieceLists[colour], type);
     if (slot == NoSlot) return false;
     putInSlot(*this, square, type, colour, slot);
-    const int sq64 = toSq64(square);
+    const Square64 sq64 = as64(square);
     const Key key = zobrist.pieceSquare(colour, type, sq64);
     pstScore[colour] += pieceSquareTable.at(colour, type, sq64);
     record().key ^= key;
@@ -85,7 +85,7 @@ bool Board_0x88::addPiece(Square square, PieceType type, Colour colour) {
 Key Board_0x88::pieceKey(Colour colour) const {
     Key key = 0;
     for (const Square square : pieceLists[colour].squares) {
-        if (square != NoSquare) key ^= zobrist.pieceSquare(colour, pieceAt(square), toSq64(square));
+        if (square != NoSquare) key ^= zobrist.pieceSquare(colour, pieceAt(square), as64(square));
     }
     return key;
 }
@@ -96,7 +96,7 @@ Key Board_0x88::pawnKeyOf() const {
         for (int slot = FirstPawnSlot; slot < SlotCount; ++slot) {
             const Square square = pieceLists[colour].squares[slot];
             if (square == NoSquare || pieceAt(square) != Pawn) continue;
-            key ^= zobrist.pieceSquare(colour, Pawn, toSq64(square));
+            key ^= zobrist.pieceSquare(colour, Pawn, as64(square));
         }
     }
     return key;
@@ -109,12 +109,33 @@ Key Board_0x88::fullKey() const {
     return key;
 }
 
+unsigned possibleRights(const Board_0x88& board) {
+    struct Home {
+        CastlingRight right;
+        Colour colour;
+        Square king;
+        Square rook;
+    };
+    constexpr Home homes[] = {{WhiteKingSide, White, E1, H1},
+                              {WhiteQueenSide, White, E1, A1},
+                              {BlackKingSide, Black, E8, H8},
+                              {BlackQueenSide, Black, E8, A8}};
+    unsigned rights = 0;
+    for (const Home& home : homes) {
+        const SquareMask* pieces = board.pieceMask[home.colour];
+        if ((pieces[King] & maskOf(home.king)) && (pieces[Rook] & maskOf(home.rook))) {
+            rights |= home.right;
+        }
+    }
+    return rights;
+}
+
 std::string boardText(const Board_0x88& board) {
     std::string text;
     for (int rank = 7; rank >= 0; --rank) {
         text += "# ";
         for (int file = 0; file < 8; ++file) {
-            const int square = rank * 16 + file;
+            const Square square = squareAt(file, rank);
             const char letter = pieceLetters[board.pieceOn[square]];
             text += board.colourOn[square] == White
                         ? static_cast<char>(std::toupper(static_cast<unsigned char>(letter)))
@@ -136,7 +157,7 @@ bool isConsistent(const Board_0x88& board) {
             if (copy.pieceOn[square] != NoPiece) return false;
             putInSlot(copy, square, board.pieceAt(square), colour, slot);
             copy.pstScore[colour] +=
-                pieceSquareTable.at(colour, board.pieceAt(square), toSq64(square));
+                pieceSquareTable.at(colour, board.pieceAt(square), as64(square));
         }
         if (!std::equal(std::begin(list.counts), std::end(list.counts),
                         std::begin(copy.pieceLists[colour].counts))) {
@@ -153,6 +174,7 @@ bool isConsistent(const Board_0x88& board) {
            std::equal(std::begin(board.colourOn), std::end(board.colourOn),
                       std::begin(copy.colourOn)) &&
            std::equal(std::begin(board.slotOn), std::end(board.slotOn), std::begin(copy.slotOn)) &&
+           (board.castlingRights & ~possibleRights(board)) == 0 &&
            board.record().key == board.fullKey() && board.record().pawnKey == board.pawnKeyOf();
 }
 

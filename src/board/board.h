@@ -1,4 +1,4 @@
-// src/board/board.h - one position with the history that the search and the draw tests need.
+// board/board.h - one position with the history that the search and the draw tests need.
 //
 // A 0x88 mailbox and one piece list per colour fix the order in which pieces are visited; square
 // masks by colour and type, kept beside them, answer questions about attacks.
@@ -47,7 +47,7 @@ struct PlyRecord {
     Key pawnKey;                // the keys of the pawns alone
     std::uint16_t repetitions;  // how often the position has occurred before; kept by isDraw
     Move killers[2];            // written by the search, the latest first
-    Move movePlayed;            // from this position; 0 for a null move
+    Move movePlayed;            // from this position; NoMove for a null move
 };
 
 constexpr unsigned PlyRecordCount = 1024;
@@ -110,8 +110,8 @@ class Board_0x88 final : public Board_Common {
     ScorePair pstScore[ColourCount];  // sums of the piece-square values, by colour
     /// By colour and piece type: the squares of those pieces; by NoPiece: of all of them.
     SquareMask pieceMask[ColourCount][PieceTypeCount];
-    std::uint8_t castlingRights;  // set of CastlingRight
-    std::uint8_t epSquare;        // where a pawn can capture en passant, else NoSquare
+    std::uint8_t castlingRights;  // set of CastlingRight, within possibleRights
+    Square epSquare;              // where a pawn can capture en passant, else NoSquare
     std::uint8_t halfmoveClock;   // plies since the last capture or pawn move
     std::uint8_t sideToMove;      // a Colour; NoColour until a position is set
     std::uint8_t pieceOn[128];    // PieceType by 0x88 square
@@ -134,6 +134,9 @@ class Board_0x88 final : public Board_Common {
 
 inline constexpr char startPositionFEN[] =
     "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1";
+
+/// The castling rights whose king and rook stand at home.
+unsigned possibleRights(const Board_0x88& board);
 
 /// The board as eight comment lines, rank 8 first, and a line that closes them.
 std::string boardText(const Board_0x88& board);

@@ -1,4 +1,4 @@
-// src/board/draw.cpp - the fifty-move rule, insufficient material and repetition.
+// board/draw.cpp - the fifty-move rule, insufficient material and repetition.
 #include "board/draw.h"
 
 #include <algorithm>
@@ -6,11 +6,15 @@
 namespace vatro {
 namespace {
 
+constexpr int FiftyMoves = 100;     // plies
+constexpr int FirstRepetition = 4;  // plies that it takes at least to repeat a position
+
 bool hasInsufficientMaterial(const Board_0x88& board) {
     if (board.totalCount() > 3) return false;
     for (const PieceType type : {Pawn, Rook, Queen}) {
         if (board.count(White, type) || board.count(Black, type)) return false;
     }
+    // On a board with both kings this always holds, but odd positions may lack them.
     const int white = board.totalCount(White);
     const int black = board.totalCount(Black);
     return white <= 2 && (black == 1 || (white == 1 && black <= 2));
@@ -20,7 +24,7 @@ bool hasInsufficientMaterial(const Board_0x88& board) {
 
 bool isDraw(Board_0x88& board, DrawReason& reason) {
     const int clock = board.halfmoveClock;
-    if (clock > 99) {
+    if (clock >= FiftyMoves) {
         reason = DrawReason::FiftyMoves;
         return true;
     }
@@ -29,11 +33,11 @@ bool isDraw(Board_0x88& board, DrawReason& reason) {
         return true;
     }
     reason = DrawReason::None;
-    if (clock <= 3) return false;
+    if (clock < FirstRepetition) return false;
     PlyRecord& now = board.record();
     const int current = static_cast<int>(board.ply);
     const int oldest = std::max(current - clock, 0);
-    for (int earlier = current - 4; earlier >= oldest; earlier -= 2) {
+    for (int earlier = current - FirstRepetition; earlier >= oldest; earlier -= 2) {
         if (board.plyRecords[earlier].key != now.key) continue;
         now.repetitions = static_cast<std::uint16_t>(board.plyRecords[earlier].repetitions + 1);
         if (now.repetitions > 1) reason = DrawReason::ThirdOccurrence;

@@ -1,20 +1,20 @@
-// src/board/draw.h - draws by rule, and whether the game can go on.
+// board/draw.h - draws by rule: fifty moves, insufficient material, repetition.
 #pragma once
 
 #include "board/board.h"
 
 namespace vatro {
 
-/// Why a position is drawn. The numbers are those of the system's reports.
-enum class DrawReason : std::uint32_t {
-    None = 0,  // not drawn, or the position has occurred once before
-    FiftyMoves = 3,
-    InsufficientMaterial = 4,
-    ThirdOccurrence = 5,
+enum class DrawReason {
+    None,  // not drawn by rule
+    FiftyMoves,
+    InsufficientMaterial,
+    ThirdOccurrence,
 };
 
-/// True when the position counts as drawn, also at its second occurrence (with reason None). Keeps
-/// `repetitions` of the current record. A mate on the board is not looked for.
+/// True when the position is drawn by `reason`, or when it has occurred once before: the search
+/// counts that as a draw too, the game does not, and `reason` is None. Notes the number of earlier
+/// occurrences in the current record. Does not look for mate, which would come first.
 bool isDraw(Board_0x88& board, DrawReason& reason);
 
 }  // namespace vatro

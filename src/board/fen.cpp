@@ -1,4 +1,4 @@
-// src/board/fen.cpp - positions as text: reading and writing Forsyth-Edwards notation.
+// board/fen.cpp - positions as text: reading and writing Forsyth-Edwards notation.
 //
 // The reader is strict about form (one blank between fields, letters in order) but does not judge
 // the position: kings may be missing, pawns may stand on the last rank.
@@ -13,6 +13,7 @@
 namespace vatro {
 namespace {
 
+constexpr int MaxClockDigits = 4;           // of the half-move clock, which keeps their low byte
 constexpr char castlingLetters[] = "KQkq";  // the letter of right bit i
 
 PieceType pieceFromLetter(char letter) {
@@ -51,7 +52,7 @@ bool Board_0x88::readPlacement(const char*& text) {
             const PieceType type = pieceFromLetter(byte);
             if (type == NoPiece || file > 7) return false;
             const Colour colour = std::isupper(static_cast<unsigned char>(byte)) ? White : Black;
-            if (!addPiece(static_cast<Square>(rank * 16 + file), type, colour)) return false;
+            if (!addPiece(squareAt(file, rank), type, colour)) return false;
             ++file;
         }
     }
@@ -92,22 +93,8 @@ bool Board_0x88::readCastlingRights(const char*& text) {
 }
 
 void Board_0x88::dropImpossibleRights() {
-    struct Home {
-        CastlingRight right;
-        Colour colour;
-        Square king;
-        Square rook;
-    };
-    constexpr Home homes[] = {{WhiteKingSide, White, E1, H1},
-                              {WhiteQueenSide, White, E1, A1},
-                              {BlackKingSide, Black, E8, H8},
-                              {BlackQueenSide, Black, E8, A8}};
     const unsigned granted = castlingRights;
-    for (const Home& home : homes) {
-        const bool atHome = (pieceMask[home.colour][King] & maskOf(toSq64(home.king))) &&
-                            (pieceMask[home.colour][Rook] & maskOf(toSq64(home.rook)));
-        if (!atHome) castlingRights = static_cast<std::uint8_t>(castlingRights & ~home.right);
-    }
+    castlingRights = static_cast<std::uint8_t>(granted & possibleRights(*this));
     updateCastlingKey(granted, castlingRights, record().key);
 }
 
@@ -119,18 +106,18 @@ bool Board_0x88::readEnPassant(const char*& text) {
     }
     if (text[0] < 'a' || text[0] > 'h') return false;
     if (text[1] != (sideToMove == White ? '6' : '3')) return false;
-    const int target = (text[1] - '1') * 16 + (text[0] - 'a');
-    const int pawn = target + (sideToMove == White ? -16 : 16);  // the pawn that has just advanced
+    const Square target = squareAt(text[0] - 'a', text[1] - '1');
+    const Square pawn = target + (sideToMove == White ? -16 : 16);  // it has just advanced
     if (pieceOn[pawn] != Pawn || colourOn[pawn] == sideToMove) return false;
     text += 2;
     if (!endsField(*text)) return false;
-    // The square counts only when a pawn stands ready to capture there, and can.
-    for (const int beside : {pawn - 1, pawn + 1}) {
+    // The square is kept only if it is empty and a pawn stands ready to capture there.
+    for (const Square beside : {pawn - 1, pawn + 1}) {
         if (!isOnBoard(beside) || pieceOn[beside] != Pawn || colourOn[beside] != sideToMove) {
             continue;
         }
         if (pieceOn[target] != NoPiece) return true;
-        epSquare = static_cast<std::uint8_t>(target);
+        epSquare = target;
         record().key ^= zobrist.epFile[fileOf(target)];
         return true;
     }
@@ -140,7 +127,7 @@ bool Board_0x88::readEnPassant(const char*& text) {
 bool Board_0x88::readClocks(const char* text) {
     const char* blank = std::strchr(text, ' ');
     if (!blank) return std::atoi(text) >= 1;  // a lone number is the move number
-    if (blank - text > 4) return false;
+    if (blank - text > MaxClockDigits) return false;
     const int clock = std::atoi(text);
     if (clock < 0) return false;
     halfmoveClock = static_cast<std::uint8_t>(clock);
@@ -152,7 +139,7 @@ std::string Board_0x88::toFEN(unsigned fullMoveNumber) const {
     for (int rank = 7; rank >= 0; --rank) {
         int empty = 0;
         for (int file = 0; file < 8; ++file) {
-            const int square = rank * 16 + file;
+            const Square square = squareAt(file, rank);
             if (pieceOn[square] == NoPiece) {
                 ++empty;
                 continue;
@@ -173,12 +160,7 @@ std::string Board_0x88::toFEN(unsigned fullMoveNumber) const {
     }
     if (!castlingRights) fen += '-';
     fen += ' ';
-    if (epSquare == NoSquare) {
-        fen += '-';
-    } else {
-        fen += static_cast<char>('a' + fileOf(epSquare));
-        fen += static_cast<char>('1' + rankOf(epSquare));
-    }
+    fen += epSquare == NoSquare ? "-" : squareText(as64(epSquare));
     return fen + ' ' + std::to_string(halfmoveClock) + ' ' + std::to_string(fullMoveNumber);
 }
 

@@ -1,9 +1,9 @@
-// src/board/game.cpp - playing moves into the record and taking them back.
+// board/game.cpp - playing moves into the record and taking them back.
 #include "board/game.h"
 
 #include <cassert>
-#include <cstdlib>
 
+#include "base/random.h"
 #include "board/make_move.h"
 
 namespace vatro {
@@ -29,8 +29,7 @@ void Game::takeBack() {
 
 Move pickRandomMove(const MoveList& legalMoves) {
     if (legalMoves.count == 0) return NoMove;
-    const unsigned draw = static_cast<unsigned>(std::rand()) & 0x7FFFFFFFU;
-    return legalMoves.moves[draw % legalMoves.count].move;
+    return legalMoves.moves[randomBelow(legalMoves.count)].move;
 }
 
 }  // namespace vatro

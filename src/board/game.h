@@ -1,4 +1,4 @@
-// src/board/game.h - a game: the board and the moves that led to it.
+// board/game.h - a game: the board and the moves that led to it.
 #pragma once
 
 #include "board/board.h"
@@ -27,8 +27,7 @@ struct Game {
     UndoRecord undoList[MaxMoves] = {};
 };
 
-/// A legal move of the side to move, each with the same chance, drawn with std::rand. NoMove when
-/// there is none.
+/// One of the moves, each with the same chance. NoMove when there is none.
 Move pickRandomMove(const MoveList& legalMoves);
 
 }  // namespace vatro

@@ -1,8 +1,11 @@
-// src/board/legality.cpp - is a move from elsewhere (a table, a line) playable here?
+// board/legality.cpp - the rules of each piece's moves, and the safety of the king.
 //
 // The king's safety is tested on square masks alone: the move is made on a copy of the occupied
 // squares, never on the board.
-#include "board/attacks.h"
+#include "board/legality.h"
+
+#include "board/geometry.h"
+#include "board/side.h"
 
 namespace vatro {
 namespace {
@@ -14,35 +17,31 @@ bool isLegalFor(const Board_0x88& board, Move move, const PinInfo& info) {
     if (king == NoSquare) return true;
     const SquareMask from = maskOf(from64(move));
     const SquareMask to = maskOf(to64(move));
-    const bool movesKing = toSq64(king) == from64(move);
+    const bool movesKing = as64(king) == from64(move);
     if (!info.inCheck() && !movesKing && !(info.pinned() & from) && typeOf(move) != EnPassant) {
         return true;
     }
     SquareMask occupied = (board.occupied() & ~from) | to;
     SquareMask taken = to;
     if (typeOf(move) == EnPassant) {
-        taken = maskOf(toSq64(toSquareOf(move) - Side<Us>::Up));
+        taken = maskOf(toSquare(move) - Side<Us>::Up);
         occupied &= ~taken;
     }
-    const int king64 = movesKing ? to64(move) : toSq64(king);
+    const Square64 king64 = movesKing ? to64(move) : as64(king);
     return (attackersOf<Them>(board, king64, occupied) & ~taken) == 0;
 }
 
 template <Colour Us>
 bool isValidCastling(const Board_0x88& board, Move move) {
     using S = Side<Us>;
-    const unsigned kind = extraOf(move);
-    const unsigned kingSideKind = Us == White ? 0 : 2;
-    if (kind != kingSideKind && kind != kingSideKind + 1) return false;
-    const bool kingSide = kind == kingSideKind;
+    const bool kingSide = extraOf(move) == S::KingSideCastling;
+    if (!kingSide && extraOf(move) != S::QueenSideCastling) return false;
     const Square rook = S::home(kingSide ? H1 : A1);
     const Square target = S::home(kingSide ? G1 : C1);
     const Square passed = S::home(kingSide ? F1 : D1);
-    return fromSquare(move) == S::KingHome && toSquareOf(move) == target &&
+    return fromSquare(move) == S::KingHome && toSquare(move) == target &&
            (board.castlingRights & (kingSide ? S::KingSide : S::QueenSide)) &&
-           board.pieceOn[S::KingHome] == King && board.pieceOn[rook] == Rook &&
-           board.colourOn[rook] == Us &&
-           (squaresBetween[toSq64(S::KingHome)][toSq64(rook)] & board.occupied()) == 0 &&
+           (squaresBetween[as64(S::KingHome)][as64(rook)] & board.occupied()) == 0 &&
            !isAttacked(board, S::KingHome, S::Them) && !isAttacked(board, passed, S::Them);
 }
 
@@ -50,7 +49,7 @@ template <Colour Us>
 bool isValidPawnMove(const Board_0x88& board, Move move) {
     using S = Side<Us>;
     const Square from = fromSquare(move);
-    const Square to = toSquareOf(move);
+    const Square to = toSquare(move);
     const bool promotes = rankOf(from) == S::SeventhRank;
     if (promotes != isPromotion(move)) return false;
     if (!promotes && typeOf(move) != Normal) return false;
@@ -62,14 +61,14 @@ bool isValidPawnMove(const Board_0x88& board, Move move) {
     }
     if (doubleStep) return false;
     if (to == from + S::Up) return board.pieceOn[to] == NoPiece;
-    return (pawnAttacks[Us][toSq64(from)] & maskOf(toSq64(to))) && board.colourOn[to] == S::Them;
+    return (pawnAttacks[Us][as64(from)] & maskOf(to)) && board.colourOn[to] == S::Them;
 }
 
 template <Colour Us>
 bool isValidFor(const Board_0x88& board, Move move) {
     using S = Side<Us>;
     const Square from = fromSquare(move);
-    const Square to = toSquareOf(move);
+    const Square to = toSquare(move);
     if (from == to || board.colourOn[from] != Us || board.colourOn[to] == Us) return false;
     const PieceType piece = board.pieceAt(from);
     switch (typeOf(move)) {
@@ -77,22 +76,21 @@ bool isValidFor(const Board_0x88& board, Move move) {
             return isValidCastling<Us>(board, move);
         case EnPassant:
             return extraOf(move) == 0 && to == board.epSquare && piece == Pawn &&
-                   (pawnAttacks[Us][toSq64(from)] & maskOf(toSq64(to))) &&
-                   board.pieceOn[to] == NoPiece && board.pieceOn[to - S::Up] == Pawn &&
-                   board.colourOn[to - S::Up] == S::Them;
+                   (pawnAttacks[Us][as64(from)] & maskOf(to)) && board.pieceOn[to] == NoPiece &&
+                   board.pieceOn[to - S::Up] == Pawn && board.colourOn[to - S::Up] == S::Them;
         case Normal:
         case Promotion:
             break;
     }
     if (piece == Pawn) return isValidPawnMove<Us>(board, move);
     if (typeOf(move) != Normal || extraOf(move) != 0) return false;
-    const int sq64 = toSq64(from);
+    const Square64 sq64 = as64(from);
     SquareMask reach = 0;
     if (piece == Knight) reach = knightAttacks[sq64];
     if (piece == King) reach = kingAttacks[sq64];
     if (piece == Bishop || piece == Queen) reach |= bishopAttacks(sq64, board.occupied());
     if (piece == Rook || piece == Queen) reach |= rookAttacks(sq64, board.occupied());
-    return reach & maskOf(toSq64(to));
+    return reach & maskOf(to);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// src/board/make_move.cpp - make and unmake, incremental in keys and sums.
+// board/make_move.cpp - make and unmake, incremental in keys and sums.
 //
 // Unmake computes no keys: stepping `ply` (or `perftPly`) back returns to the earlier record.
 #include "board/make_move.h"
@@ -23,32 +23,39 @@ struct Keys {
 };
 
 struct RookStep {
-    Square from;
-    Square to;
-};
-constexpr RookStep castlingRook[4] = {{H1, F1}, {A1, D1}, {H8, F8}, {A8, D8}};  // by kind
+    Square64 from;
+    Square64 to;
 
-/// The rights that survive a move from or to a square, by sq64; a move keeps those of both.
+    constexpr RookStep(Square corner, Square beside) : from(as64(corner)), to(as64(beside)) {}
+};
+constexpr RookStep castlingRook[4] = {{H1, F1}, {A1, D1}, {H8, F8}, {A8, D8}};  // by extraOf
+
+/// By Square64: the rights that a move from or to the square leaves. A move keeps what both of its
+/// squares leave.
 struct KeptRights {
+    static constexpr unsigned AllRights = 15;
     std::uint8_t bySquare[64];
 
     constexpr KeptRights() : bySquare() {
         for (auto& kept : bySquare) {
-            kept = 15;
+            kept = AllRights;
         }
-        bySquare[toSq64(E1)] = 15 & ~(WhiteKingSide | WhiteQueenSide);
-        bySquare[toSq64(H1)] = 15 & ~WhiteKingSide;
-        bySquare[toSq64(A1)] = 15 & ~WhiteQueenSide;
-        bySquare[toSq64(E8)] = 15 & ~(BlackKingSide | BlackQueenSide);
-        bySquare[toSq64(H8)] = 15 & ~BlackKingSide;
-        bySquare[toSq64(A8)] = 15 & ~BlackQueenSide;
+        bySquare[as64(E1)] = AllRights & ~(WhiteKingSide | WhiteQueenSide);
+        bySquare[as64(H1)] = AllRights & ~WhiteKingSide;
+        bySquare[as64(A1)] = AllRights & ~WhiteQueenSide;
+        bySquare[as64(E8)] = AllRights & ~(BlackKingSide | BlackQueenSide);
+        bySquare[as64(H8)] = AllRights & ~BlackKingSide;
+        bySquare[as64(A8)] = AllRights & ~BlackQueenSide;
     }
 };
 constexpr KeptRights keptRights;
 
+/// The squares are Square64, as in move words: converting them twice costs in so short a function.
 template <Track T>
 [[gnu::always_inline]] inline void movePiece(
-    Board_0x88& board, Square from, Square to, Colour colour, Keys* keys) {
+    Board_0x88& board, Square64 source, Square64 target, Colour colour, Keys* keys) {
+    const Square from = as88(source);
+    const Square to = as88(target);
     const PieceType type = board.pieceAt(from);
     const int slot = board.slotOn[from];
     board.pieceOn[from] = NoPiece;
@@ -58,8 +65,6 @@ template <Track T>
     board.colourOn[to] = colour;
     board.slotOn[to] = static_cast<std::uint8_t>(slot);
     board.pieceLists[colour].squares[slot] = to;
-    const int source = toSq64(from);
-    const int target = toSq64(to);
     const SquareMask both = maskOf(source) | maskOf(target);
     board.pieceMask[colour][type] ^= both;
     board.pieceMask[colour][NoPiece] ^= both;
@@ -75,12 +80,13 @@ template <Track T>
     }
 }
 
-/// Takes a piece off and returns it as the undo record keeps it.
+/// Takes a piece off the board. Returns it in the form of UndoRecord::captured.
 template <Track T>
 [[gnu::always_inline]] inline std::uint8_t removePiece(Board_0x88& board,
-                                                       Square square,
+                                                       Square64 sq64,
                                                        Colour colour,
                                                        Keys& keys) {
+    const Square square = as88(sq64);
     const PieceType type = board.pieceAt(square);
     const int slot = board.slotOn[square];
     PieceList& list = board.pieceLists[colour];
@@ -91,7 +97,6 @@ template <Track T>
     --list.counts[type];
     --list.counts[PieceList::Total];
     if (slot >= FirstPawnSlot && type != Pawn) --list.counts[PieceList::Surplus];
-    const int sq64 = toSq64(square);
     board.pieceMask[colour][type] ^= maskOf(sq64);
     board.pieceMask[colour][NoPiece] ^= maskOf(sq64);
     const Key key = zobrist.pieceSquare(colour, type, sq64);
@@ -109,13 +114,14 @@ void putPiece(Board_0x88& board, Square square, Colour colour, std::uint8_t capt
     const auto type = static_cast<PieceType>(captured >> 4);
     putInSlot(board, square, type, colour, captured & 15);
     if constexpr (T == Track::Game) {
-        board.pstScore[colour] += pieceSquareTable.at(colour, type, toSq64(square));
+        board.pstScore[colour] += pieceSquareTable.at(colour, type, as64(square));
     }
 }
 
 /// Turns a pawn on its last rank into `after`, or a promoted piece back into a pawn.
 template <Track T>
-void changeType(Board_0x88& board, Square square, Colour colour, PieceType after, Keys* keys) {
+void changeType(Board_0x88& board, Square64 sq64, Colour colour, PieceType after, Keys* keys) {
+    const Square square = as88(sq64);
     const PieceType before = board.pieceAt(square);
     PieceList& list = board.pieceLists[colour];
     board.pieceOn[square] = after;
@@ -124,7 +130,6 @@ void changeType(Board_0x88& board, Square square, Colour colour, PieceType after
     const int surplus = after == Pawn ? -1 : 1;
     list.counts[PieceList::Surplus] =
         static_cast<std::uint8_t>(list.counts[PieceList::Surplus] + surplus);
-    const int sq64 = toSq64(square);
     board.pieceMask[colour][before] ^= maskOf(sq64);
     board.pieceMask[colour][after] ^= maskOf(sq64);
     if (keys) {
@@ -146,19 +151,25 @@ void setEnPassant(Board_0x88& board, Square square, Keys& keys) {
     board.epSquare = square;
 }
 
-/// The en-passant square behind a pawn that has advanced two ranks: only when it can be used.
+/// A clock that has reached the end of its range stays there: the draw was due long before.
+constexpr std::uint8_t oneMore(std::uint8_t clock) {
+    return static_cast<std::uint8_t>(clock + (clock != UINT8_MAX));
+}
+
+/// The en-passant square behind a pawn that has advanced two ranks; NoSquare when no enemy pawn
+/// stands ready to capture there.
 template <Colour Us>
 Square squareBehind(const Board_0x88& board, Square to) {
     const SquareMask beside =
-        pawnAttacks[Us][toSq64(to - Side<Us>::Up)] & board.pieceMask[Side<Us>::Them][Pawn];
-    return beside ? static_cast<Square>(to - Side<Us>::Up) : NoSquare;
+        pawnAttacks[Us][as64(to - Side<Us>::Up)] & board.pieceMask[Side<Us>::Them][Pawn];
+    return beside ? to - Side<Us>::Up : NoSquare;
 }
 
 template <Colour Us, Track T>
 void make(Board_0x88& board, Move move, UndoRecord& undo, Keys& keys) {
     using S = Side<Us>;
     const Square from = fromSquare(move);
-    const Square to = toSquareOf(move);
+    const Square to = toSquare(move);
     undo.castlingRights = board.castlingRights;
     undo.epSquare = board.epSquare;
     undo.halfmoveClock = board.halfmoveClock;
@@ -170,36 +181,36 @@ void make(Board_0x88& board, Move move, UndoRecord& undo, Keys& keys) {
         case Normal: {
             const bool pawnMove = board.pieceOn[from] == Pawn;
             if (board.pieceOn[to] != NoPiece) {
-                undo.captured = removePiece<T>(board, to, S::Them, keys);
+                undo.captured = removePiece<T>(board, to64(move), S::Them, keys);
             } else if (!pawnMove) {
-                clock = static_cast<std::uint8_t>(board.halfmoveClock + 1);
+                clock = oneMore(board.halfmoveClock);
             }
-            movePiece<T>(board, from, to, Us, &keys);
+            movePiece<T>(board, from64(move), to64(move), Us, &keys);
             if (pawnMove && extraOf(move) == DoubleStep) epSquare = squareBehind<Us>(board, to);
             break;
         }
         case Promotion:
             if (board.pieceOn[to] != NoPiece) {
-                undo.captured = removePiece<T>(board, to, S::Them, keys);
+                undo.captured = removePiece<T>(board, to64(move), S::Them, keys);
             }
-            movePiece<T>(board, from, to, Us, &keys);
-            changeType<T>(board, to, Us, promotionPiece(move), &keys);
+            movePiece<T>(board, from64(move), to64(move), Us, &keys);
+            changeType<T>(board, to64(move), Us, promotionPiece(move), &keys);
             break;
         case Castling: {
             const RookStep& rook = castlingRook[extraOf(move)];
-            movePiece<T>(board, from, to, Us, &keys);
+            movePiece<T>(board, from64(move), to64(move), Us, &keys);
             movePiece<T>(board, rook.from, rook.to, Us, &keys);
-            clock = static_cast<std::uint8_t>(board.halfmoveClock + 1);
+            clock = oneMore(board.halfmoveClock);
             break;
         }
         case EnPassant:
-            undo.captured = removePiece<T>(board, static_cast<Square>(to - S::Up), S::Them, keys);
-            movePiece<T>(board, from, to, Us, &keys);
+            undo.captured = removePiece<T>(board, as64(to - S::Up), S::Them, keys);
+            movePiece<T>(board, from64(move), to64(move), Us, &keys);
             break;
     }
     setEnPassant(board, epSquare, keys);
     if constexpr (T == Track::Game) board.halfmoveClock = clock;
-    const unsigned kept = keptRights.bySquare[toSq64(from)] & keptRights.bySquare[toSq64(to)];
+    const unsigned kept = keptRights.bySquare[from64(move)] & keptRights.bySquare[to64(move)];
     updateCastlingKey(board.castlingRights, board.castlingRights & kept, keys.key);
     board.castlingRights = static_cast<std::uint8_t>(board.castlingRights & kept);
     board.sideToMove = S::Them;
@@ -209,26 +220,25 @@ void make(Board_0x88& board, Move move, UndoRecord& undo, Keys& keys) {
 template <Colour Us, Track T>
 void unmake(Board_0x88& board, Move move, const UndoRecord& undo) {
     using S = Side<Us>;
-    const Square from = fromSquare(move);
-    const Square to = toSquareOf(move);
+    const Square to = toSquare(move);
     board.sideToMove = Us;
     switch (typeOf(move)) {
         case Promotion:
-            changeType<T>(board, to, Us, Pawn, nullptr);
+            changeType<T>(board, to64(move), Us, Pawn, nullptr);
             [[fallthrough]];
         case Normal:
-            movePiece<T>(board, to, from, Us, nullptr);
+            movePiece<T>(board, to64(move), from64(move), Us, nullptr);
             if (undo.captured) putPiece<T>(board, to, S::Them, undo.captured);
             break;
         case Castling: {
             const RookStep& rook = castlingRook[extraOf(move)];
-            movePiece<T>(board, to, from, Us, nullptr);
+            movePiece<T>(board, to64(move), from64(move), Us, nullptr);
             movePiece<T>(board, rook.to, rook.from, Us, nullptr);
             break;
         }
         case EnPassant:
-            movePiece<T>(board, to, from, Us, nullptr);
-            putPiece<T>(board, static_cast<Square>(to - S::Up), S::Them, undo.captured);
+            movePiece<T>(board, to64(move), from64(move), Us, nullptr);
+            putPiece<T>(board, to - S::Up, S::Them, undo.captured);
             break;
     }
     board.castlingRights = undo.castlingRights;

@@ -1,4 +1,4 @@
-// src/board/make_move.h - playing moves on the board and taking them back.
+// board/make_move.h - playing moves on the board and taking them back.
 //
 // Calls nest strictly: the last move made is the first one unmade, with the same undo record. The
 // moves must be legal in the position; nothing is checked here.
@@ -20,7 +20,7 @@ void unmakeMove(Board_0x88& board, Move move, const UndoRecord& undo);
 void makeMovePerft(Board_0x88& board, Move move, UndoRecord& undo);
 void unmakeMovePerft(Board_0x88& board, Move move, const UndoRecord& undo);
 
-// The same for a mover that the caller knows.
+// The same where the caller knows the side to move.
 template <Colour Us>
 void makeMove(Board_0x88& board, Move move, UndoRecord& undo);
 template <Colour Us>
@@ -30,11 +30,11 @@ void makeMovePerft(Board_0x88& board, Move move, UndoRecord& undo);
 template <Colour Us>
 void unmakeMovePerft(Board_0x88& board, Move move, const UndoRecord& undo);
 
-/// The key after a move that captures, moves or neither; castlings, promotions and en passant are
-/// not told apart. For a prefetch, which may guess.
+/// The key after the move; wrong after castling, promotion, en passant, a double step that allows
+/// it, and when rights are lost. For a prefetch, which may miss.
 inline Key likelyKeyAfter(const Board_0x88& board, Move move) {
     const Square from = fromSquare(move);
-    const Square to = toSquareOf(move);
+    const Square to = toSquare(move);
     const Colour us = board.toMove();
     const PieceType mover = board.pieceAt(from);
     const PieceType victim = board.pieceAt(to);
@@ -48,7 +48,7 @@ inline Key likelyKeyAfter(const Board_0x88& board, Move move) {
 /// What a null move changes besides the side to move.
 struct NullUndo {
     std::uint8_t castlingRights;
-    std::uint8_t epSquare;
+    Square epSquare;
     std::uint8_t halfmoveClock;
 };
 void makeNullMove(Board_0x88& board, NullUndo& undo);

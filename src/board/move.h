@@ -1,6 +1,6 @@
-// src/board/move.h - the 16-bit move word that the game, the tables and the search store.
+// board/move.h - the 16-bit move word that the game, the tables and the search store.
 //
-// Bits 0-5 from (sq64), 6-11 to (sq64), 12-13 the type, 14-15 depend on the type: the promotion
+// Bits 0-5 from, 6-11 to (both Square64), 12-13 the type, 14-15 depend on the type: the promotion
 // piece minus 2, which castling it is (0 white king side ... 3 black queen side), or 1 for a
 // pawn's double step.
 #pragma once
@@ -14,24 +14,33 @@ namespace vatro {
 
 using Move = std::uint16_t;
 
-/// No move; as the move played it stands for a null move.
+/// No move; a null move where a record says which move was played.
 constexpr Move NoMove = 0;
 
 enum MoveType : std::uint8_t { Normal, Promotion, Castling, EnPassant };
 
 constexpr unsigned DoubleStep = 1;  // bits 14-15 of a Normal move
 
-constexpr Move makeMoveWord(int from64, int to64, MoveType type = Normal, unsigned extra = 0) {
-    return static_cast<Move>(from64 | (to64 << 6) | (type << 12) | (extra << 14));
+constexpr Move makeMoveWord(Square64 from,
+                            Square64 to,
+                            MoveType type = Normal,
+                            unsigned extra = 0) {
+    return static_cast<Move>(from | (to << 6) | (type << 12) | (extra << 14));
 }
-constexpr Move makePromotion(int from64, int to64, PieceType piece) {
-    return makeMoveWord(from64, to64, Promotion, piece - Knight);
+constexpr Move makeMoveWord(Square from, Square to, MoveType type = Normal, unsigned extra = 0) {
+    return makeMoveWord(as64(from), as64(to), type, extra);
+}
+constexpr Move makePromotion(Square64 from, Square64 to, PieceType piece) {
+    return makeMoveWord(from, to, Promotion, piece - Knight);
+}
+constexpr Move makePromotion(Square from, Square to, PieceType piece) {
+    return makePromotion(as64(from), as64(to), piece);
 }
 
-constexpr int from64(Move move) { return move & 63; }
-constexpr int to64(Move move) { return (move >> 6) & 63; }
-constexpr Square fromSquare(Move move) { return toSquare(from64(move)); }
-constexpr Square toSquareOf(Move move) { return toSquare(to64(move)); }
+constexpr Square64 from64(Move move) { return static_cast<Square64>(move & 63); }
+constexpr Square64 to64(Move move) { return static_cast<Square64>((move >> 6) & 63); }
+constexpr Square fromSquare(Move move) { return as88(from64(move)); }
+constexpr Square toSquare(Move move) { return as88(to64(move)); }
 constexpr MoveType typeOf(Move move) { return static_cast<MoveType>((move >> 12) & 3); }
 constexpr unsigned extraOf(Move move) { return move >> 14; }
 /// The piece a Promotion promotes to.
@@ -40,20 +49,23 @@ constexpr PieceType promotionPiece(Move move) {
 }
 constexpr bool isPromotion(Move move) { return typeOf(move) == Promotion; }
 
-/// Same squares, and both promote to the same piece or neither promotes; other flags are ignored.
+/// True when the squares are the same and the promotion piece, if any; other flags are ignored.
 constexpr bool sameMove(Move a, Move b) {
     if ((a ^ b) & 0xFFF) return false;
     if (isPromotion(a) != isPromotion(b)) return false;
     return !isPromotion(a) || extraOf(a) == extraOf(b);
 }
 
+/// "e4".
+std::string squareText(Square64 square);
+
 /// Coordinate notation: e2e4, e7e8q; castling as the king's move.
 std::string moveToText(Move move);
 
-/// What full make saves and unmake restores: 4 bytes.
+/// What makeMove saves for unmakeMove.
 struct UndoRecord {
     std::uint8_t castlingRights = 0;
-    std::uint8_t epSquare = NoSquare;
+    Square epSquare = NoSquare;
     std::uint8_t halfmoveClock = 0;
     /// (type << 4) | (slot & 15) of the captured piece, 0 when nothing was captured.
     std::uint8_t captured = 0;

@@ -1,9 +1,9 @@
-// src/board/move_generator.h - the generator of legal moves, for whatever becomes of them.
+// board/move_generator.h - generates legal moves, in a fixed order, for a sink.
 //
-// A sink receives the moves in their fixed order and lists, scores or counts them; this header is
-// for the few places that define one. Every move is proved legal before it is handed out: a piece
-// that is neither pinned nor answering a check needs no proof, the others may go only where the
-// line to their king allows.
+// A sink lists, scores or counts the moves; only code that defines one needs this header. Illegal
+// moves are never produced: in check only squares that answer it are allowed, a pinned piece stays
+// on the line to its king, and what pins do not show (the king's moves, en passant) is tested by
+// attacks.
 #pragma once
 
 #include <array>
@@ -13,23 +13,25 @@
 
 namespace vatro {
 
-/// All legal moves, or captures and promotions to a queen.
-enum class Kind { All, Captures };
+/// What is generated: all legal moves, or captures and promotions to a queen.
+enum class MoveSet { All, Captures };
 
 /// The targets of a stepping piece from each square, in generation order.
 struct StepOrder {
-    Square targets[8];
+    std::uint8_t targets[8];  // bytes keep the tables small
     std::uint8_t count;
+
+    Square64 target(int index) const { return static_cast<Square64>(targets[index]); }
 };
 using StepOrders = std::array<StepOrder, 64>;
 
 constexpr StepOrders buildStepOrders(const int (&offsets)[8]) {
     StepOrders orders{};
-    for (int sq64 = 0; sq64 < 64; ++sq64) {
+    for (const Square64 from : allSquares) {
         for (const int offset : offsets) {
-            const int to = toSquare(sq64) + offset;
+            const Square to = as88(from) + offset;
             if (!isOnBoard(to)) continue;
-            orders[sq64].targets[orders[sq64].count++] = static_cast<Square>(toSq64(to));
+            orders[from].targets[orders[from].count++] = static_cast<std::uint8_t>(as64(to));
         }
     }
     return orders;
@@ -39,12 +41,12 @@ inline constexpr StepOrders kingOrder = buildStepOrders(kingNeighbours);
 
 /// Calls `visit` for each target of a sliding piece: ray by ray, nearest first.
 template <typename Visit>
-inline void forEachOnRays(int from, SquareMask targets, int firstRay, Visit visit) {
+inline void forEachOnRays(Square64 from, SquareMask targets, int firstRay, Visit visit) {
     for (int ray = firstRay; ray < firstRay + 4; ++ray) {
         const Ray& beyond = slidingRays[ray][from];
         SquareMask onRay = targets & beyond.squares;
         while (onRay) {
-            const int to = beyond.ascending ? lowestSquare(onRay) : highestSquare(onRay);
+            const Square64 to = beyond.ascending ? lowestSquare(onRay) : highestSquare(onRay);
             onRay ^= maskOf(to);
             visit(to);
         }
@@ -54,13 +56,11 @@ inline void forEachOnRays(int from, SquareMask targets, int firstRay, Visit visi
 /// The squares that pawns of a colour attack from any of `squares`.
 template <Colour Us>
 constexpr SquareMask pawnReach(SquareMask squares) {
-    constexpr SquareMask fileA = 0x0101010101010101ULL;
-    constexpr SquareMask fileH = fileA << 7;
-    return Us == White ? ((squares & ~fileA) << 7) | ((squares & ~fileH) << 9)
-                       : ((squares & ~fileA) >> 9) | ((squares & ~fileH) >> 7);
+    return Us == White ? ((squares & ~FileA) << 7) | ((squares & ~FileH) << 9)
+                       : ((squares & ~FileA) >> 9) | ((squares & ~FileH) >> 7);
 }
 
-template <Colour Us, Kind K, typename Sink>
+template <Colour Us, MoveSet Wanted, typename Sink>
 class Generator {
   public:
     Generator(const Board_0x88& position, const PinInfo& pins, Sink& out)
@@ -69,7 +69,7 @@ class Generator {
           sink(out),
           own(position.pieceMask[Us][NoPiece]),
           enemies(position.pieceMask[S::Them][NoPiece]),
-          king(position.hasKing(Us) ? toSq64(position.kingSquare(Us)) : NoKing) {
+          king(position.hasKing(Us) ? as64(position.kingSquare(Us)) : NoSquare64) {
         if (!info.inCheck()) {
             evasions = ~SquareMask{0};
         } else if (info.checkers & (info.checkers - 1)) {
@@ -91,16 +91,16 @@ class Generator {
         } else {
             addPawnsAndSurplus();
         }
-        if constexpr (K == Kind::All) {
-            if (!info.inCheck() && board.castlingRights && !hasEnough()) addCastling();
+        if constexpr (Wanted == MoveSet::All) {
+            if (!info.inCheck() && (board.castlingRights & S::Castlings) && !hasEnough())
+                addCastling();
         }
     }
 
   private:
     using S = Side<Us>;
-    static constexpr int NoKing = -1;
 
-    /// True when the sink needs no more moves. Only some sinks ever say so.
+    /// True when the sink needs no more moves. Sinks without such a function want them all.
     bool hasEnough() const {
         if constexpr (requires { sink.hasEnough(); }) {
             return sink.hasEnough();
@@ -109,7 +109,7 @@ class Generator {
         }
     }
 
-    SquareMask wanted() const { return K == Kind::Captures ? enemies : ~own; }
+    SquareMask wantedTargets() const { return Wanted == MoveSet::Captures ? enemies : ~own; }
 
     /// The pieces in the slots of their type. Slots are visited in ascending order.
     template <PieceType Type>
@@ -118,17 +118,17 @@ class Generator {
         for (int slot = rule.firstSlot; slot <= rule.lastSlot; ++slot) {
             const Square square = board.pieceLists[Us].squares[slot];
             if (hasEnough()) return;
-            if (square != NoSquare) addMovesOf<Type>(toSq64(square));
+            if (square != NoSquare) addMovesOf<Type>(as64(square));
         }
     }
 
     void addAllPawns() {
         const PieceList& list = board.pieceLists[Us];
-        if constexpr (K == Kind::Captures) {
-            // Few pawns capture or promote; their slots put them in order.
+        if constexpr (Wanted == MoveSet::Captures) {
+            // Few pawns capture or promote; they are visited in the order of their slots.
             unsigned slots = 0;
             for (SquareMask left = activePawns(); left; left &= left - 1) {
-                slots |= 1U << board.slotOn[toSquare(lowestSquare(left))];
+                slots |= 1U << board.slotOn[as88(lowestSquare(left))];
             }
             for (; slots; slots &= slots - 1)
                 addPawnMoves(list.squares[std::countr_zero(slots)]);
@@ -150,7 +150,7 @@ class Generator {
         for (int slot = FirstPawnSlot; slot < SlotCount; ++slot) {
             const Square square = board.pieceLists[Us].squares[slot];
             if (square == NoSquare) continue;
-            const int from = toSq64(square);
+            const Square64 from = as64(square);
             switch (board.pieceAt(square)) {
                 case Pawn:
                     addPawnMoves(square);
@@ -175,56 +175,57 @@ class Generator {
     }
 
     template <PieceType Type>
-    void addMovesOf(int from) {
+    void addMovesOf(Square64 from) {
         if constexpr (Type == Knight) {
-            addSteps(Knight, from, knightAttacks[from] & wanted() & allowedFrom(from),
+            addSteps(Knight, from, knightAttacks[from] & wantedTargets() & allowedFrom(from),
                      knightOrder[from]);
         }
         if constexpr (Type == King) {
-            addSteps(King, from, safeForKing(from, kingAttacks[from] & wanted()), kingOrder[from]);
+            addSteps(King, from, safeForKing(from, kingAttacks[from] & wantedTargets()),
+                     kingOrder[from]);
         }
         if constexpr (Type == Rook || Type == Queen) addOrthogonal(Type, from);
         if constexpr (Type == Bishop || Type == Queen) addDiagonal(Type, from);
     }
 
-    void addSteps(PieceType type, int from, SquareMask targets, const StepOrder& order) {
+    void addSteps(PieceType type, Square64 from, SquareMask targets, const StepOrder& order) {
         if (targets) sink.addTargets(type, from, targets, order);
     }
 
-    void addOrthogonal(PieceType type, int from) {
-        if (!(rookRays[from] & wanted())) return;
-        const SquareMask reached = rookAttacks(from, own | enemies) & wanted() & allowedFrom(from);
+    void addOrthogonal(PieceType type, Square64 from) {
+        if (!(rookRays[from] & wantedTargets())) return;
+        const SquareMask reached =
+            rookAttacks(from, own | enemies) & wantedTargets() & allowedFrom(from);
         if (reached) sink.addSliding(type, from, reached, FirstOrthogonalRay);
     }
 
-    void addDiagonal(PieceType type, int from) {
-        if (!(bishopRays[from] & wanted())) return;
+    void addDiagonal(PieceType type, Square64 from) {
+        if (!(bishopRays[from] & wantedTargets())) return;
         const SquareMask reached =
-            bishopAttacks(from, own | enemies) & wanted() & allowedFrom(from);
+            bishopAttacks(from, own | enemies) & wantedTargets() & allowedFrom(from);
         if (reached) sink.addSliding(type, from, reached, FirstDiagonalRay);
     }
 
     /// Where a piece other than the king may go without leaving its king attacked.
-    SquareMask allowedFrom(int from) const {
-        if (!((info.pinned() >> from) & 1)) return evasions;
+    SquareMask allowedFrom(Square64 from) const {
+        if (!contains(info.pinned(), from)) return evasions;
         return evasions & lineThrough[king][from];
     }
 
     /// The squares of `targets` that the enemies do not attack once the king has left its own.
-    SquareMask safeForKing(int from, SquareMask targets) const {
-        constexpr int FewTargets = 3;  // up to here each is asked for alone; measured
+    SquareMask safeForKing(Square64 from, SquareMask targets) const {
+        constexpr int FewTargets = 3;  // for so many, asking about each square is faster; measured
         const SquareMask withoutKing = (own | enemies) ^ maskOf(from);
         if (countSquares(targets) > FewTargets) return targets & ~attackedSquares(withoutKing);
         SquareMask safe = targets;
         for (SquareMask left = targets; left; left &= left - 1) {
-            const int to = lowestSquare(left);
+            const Square64 to = lowestSquare(left);
             if (attackersOf<S::Them>(board, to, withoutKing)) safe ^= maskOf(to);
         }
         return safe;
     }
 
-    /// All squares that the enemies attack. Their few pieces are walked sooner than the many
-    /// squares around a king.
+    /// All squares that the enemies attack.
     SquareMask attackedSquares(SquareMask occupied) const {
         const SquareMask* theirs = board.pieceMask[S::Them];
         SquareMask attacked = pawnReach<S::Them>(theirs[Pawn]);
@@ -242,81 +243,78 @@ class Generator {
     }
 
     void addPawnMoves(Square square) {
-        const int from = toSq64(square);
+        const Square64 from = as64(square);
         const bool promotes = rankOf(square) == S::SeventhRank;
         const SquareMask captures = pawnAttacks[Us][from] & enemies;
-        if (K == Kind::Captures && !promotes && !captures) return;
+        if (Wanted == MoveSet::Captures && !promotes && !captures) return;
         const SquareMask allowed = allowedFrom(from);
         if (captures & allowed) {
             addPawnCapture(square, square + S::CaptureFirst, captures & allowed, promotes);
             addPawnCapture(square, square + S::CaptureSecond, captures & allowed, promotes);
         }
-        if (K == Kind::Captures && !promotes) return;
-        const int one = square + S::Up;
+        if (Wanted == MoveSet::Captures && !promotes) return;
+        const Square one = square + S::Up;
         if (!isOnBoard(one) || board.pieceOn[one] != NoPiece) return;
-        if ((allowed >> toSq64(one)) & 1) addPawnMove(from, toSq64(one), promotes);
+        if (contains(allowed, as64(one))) addPawnMove(from, as64(one), promotes);
         if (rankOf(square) != S::DoubleStepRank) return;
-        const int two = one + S::Up;
-        if (board.pieceOn[two] == NoPiece && ((allowed >> toSq64(two)) & 1)) {
-            sink.addPawnStep(from, toSq64(two), DoubleStep);
+        const Square two = one + S::Up;
+        if (board.pieceOn[two] == NoPiece && contains(allowed, as64(two))) {
+            sink.addPawnStep(from, as64(two), DoubleStep);
         }
     }
 
-    void addPawnCapture(Square square, int to, SquareMask captures, bool promotes) {
-        if (!isOnBoard(to) || !((captures >> toSq64(to)) & 1)) return;
+    void addPawnCapture(Square square, Square to, SquareMask captures, bool promotes) {
+        if (!isOnBoard(to) || !contains(captures, as64(to))) return;
         if (promotes) {
-            sink.addPromotions(toSq64(square), toSq64(to), K);
+            sink.addPromotions(as64(square), as64(to), Wanted);
         } else {
-            sink.addPawnCapture(toSq64(square), toSq64(to));
+            sink.addPawnCapture(as64(square), as64(to));
         }
     }
 
-    void addPawnMove(int from, int to, bool promotes) {
+    void addPawnMove(Square64 from, Square64 to, bool promotes) {
         if (promotes) {
-            sink.addPromotions(from, to, K);
+            sink.addPromotions(from, to, Wanted);
         } else {
             sink.addPawnStep(from, to, 0);
         }
     }
 
-    // Two pawns leave one rank at once, so pins do not tell: the position after is looked at.
+    // Two pawns leave a rank at once, which pins do not show; so attacks on the king are looked up
+    // on the squares that are occupied after the capture.
     void addEnPassant() {
         if (board.epSquare == NoSquare) return;
-        const int to = toSq64(board.epSquare);
-        const SquareMask victim = maskOf(toSq64(board.epSquare - S::Up));
+        const Square64 to = as64(board.epSquare);
+        const SquareMask victim = maskOf(board.epSquare - S::Up);
         for (const int step : {S::CaptureFirst, S::CaptureSecond}) {
-            const int from = board.epSquare - step;
+            const Square from = board.epSquare - step;
             if (!isOnBoard(from) || board.pieceOn[from] != Pawn || board.colourOn[from] != Us) {
                 continue;
             }
-            const SquareMask occupied =
-                ((own | enemies) & ~victim & ~maskOf(toSq64(from))) | maskOf(to);
-            if (king == NoKing || !(attackersOf<S::Them>(board, king, occupied) & ~victim)) {
-                sink.addEnPassant(toSq64(from), to);
+            const SquareMask occupied = ((own | enemies) & ~victim & ~maskOf(from)) | maskOf(to);
+            if (king == NoSquare64 || !(attackersOf<S::Them>(board, king, occupied) & ~victim)) {
+                sink.addEnPassant(as64(from), to);
             }
         }
     }
 
     void addCastling() {
-        if (king != toSq64(S::KingHome)) return;  // rights outlive a captured king
-        constexpr SquareMask kingSidePath =
-            maskOf(toSq64(S::home(F1))) | maskOf(toSq64(S::home(G1)));
+        constexpr SquareMask kingSidePath = maskOf(S::home(F1)) | maskOf(S::home(G1));
         constexpr SquareMask queenSidePath =
-            maskOf(toSq64(S::home(D1))) | maskOf(toSq64(S::home(C1))) | maskOf(toSq64(S::home(B1)));
-        constexpr unsigned kingSideKind = Us == White ? 0 : 2;
-        addCastling(S::KingSide, kingSidePath, S::home(F1), S::home(G1), kingSideKind);
-        addCastling(S::QueenSide, queenSidePath, S::home(D1), S::home(C1), kingSideKind + 1);
+            maskOf(S::home(D1)) | maskOf(S::home(C1)) | maskOf(S::home(B1));
+        addCastling(S::KingSide, kingSidePath, S::home(F1), S::home(G1), S::KingSideCastling);
+        addCastling(S::QueenSide, queenSidePath, S::home(D1), S::home(C1), S::QueenSideCastling);
     }
 
     void addCastling(
-        CastlingRight right, SquareMask path, Square passed, Square target, unsigned kind) {
+        CastlingRight right, SquareMask path, Square passed, Square target, unsigned castling) {
         const SquareMask occupied = own | enemies;
         if (!(board.castlingRights & right) || (path & occupied)) return;
-        if (attackersOf<S::Them>(board, toSq64(passed), occupied) ||
-            attackersOf<S::Them>(board, toSq64(target), occupied)) {
+        if (attackersOf<S::Them>(board, as64(passed), occupied) ||
+            attackersOf<S::Them>(board, as64(target), occupied)) {
             return;
         }
-        sink.addCastling(king, toSq64(target), kind);
+        sink.addCastling(as64(S::KingHome), as64(target), castling);
     }
 
     const Board_0x88& board;
@@ -324,8 +322,8 @@ class Generator {
     Sink& sink;
     SquareMask own;
     SquareMask enemies;
-    int king;             // sq64
-    SquareMask evasions;  // where a move other than the king's answers the check, if there is one
+    Square64 king;        // NoSquare64 without one
+    SquareMask evasions;  // targets that answer the check; every square when there is none
 };
 
 }  // namespace vatro

@@ -1,4 +1,4 @@
-// src/board/move_ordering.h - how promising a move looks before it is searched.
+// board/move_ordering.h - how promising a move looks before it is searched.
 #pragma once
 
 #include "board/attacks.h"
@@ -6,19 +6,18 @@
 
 namespace vatro {
 
-/// True when a capture loses material by rule of thumb. `gain` receives what the move wins in
-/// centipawns; it stays as it is for a castling.
-bool isBadCapture(const Board_0x88& board, Move move, int& gain);
+/// True when a capture loses material by a rule of thumb. `gain` receives what the move wins, in
+/// centipawns; castling leaves it unchanged.
 template <Colour Us>
 bool isBadCapture(const Board_0x88& board, Move move, int& gain);
 
 /// True for a move that takes nothing and does not promote.
 inline bool isQuiet(const Board_0x88& board, Move move) {
-    return board.pieceOn[toSquareOf(move)] == NoPiece && (typeOf(move) & Promotion) == 0;
+    return board.pieceOn[toSquare(move)] == NoPiece && (typeOf(move) & Promotion) == 0;
 }
 static_assert((EnPassant & Promotion) && !(Castling & Promotion) && !(Normal & Promotion));
 
-/// The quiet moves that refuted other positions at this ply and at the next one of this side.
+/// The quiet moves that refuted other positions at this ply or two plies later.
 class KillerSet {
   public:
     KillerSet() = default;
@@ -27,8 +26,8 @@ class KillerSet {
         if (board.ply + 2 < PlyRecordCount) add(board.plyRecords[board.ply + 2]);
     }
 
-    bool contains(int from, int to) const {
-        if (!((targets >> to) & 1)) return false;  // nearly always
+    bool contains(Square64 from, Square64 to) const {
+        if (!vatro::contains(targets, to)) return false;  // nearly always
         const Move squares = makeMoveWord(from, to);
         for (unsigned i = 0; i < count; ++i) {
             if (((moves[i] ^ squares) & 0xFFF) == 0) return true;
@@ -49,11 +48,6 @@ class KillerSet {
     SquareMask targets = 0;
 };
 
-/// Puts a list into the order in which selection hands it out: again and again the first of the
-/// best moves left, which every better one on the way to it has changed places with its forerunner.
-/// Selection itself is cheaper when only a few moves are asked for.
-void sortAsSelected(MoveList& list);
-
 /// Appends all legal moves with their scores: good captures and promotions first, then killers,
 /// then quiet moves by their piece-square gain.
 template <Colour Us>
@@ -62,14 +56,13 @@ void generateScoredMoves(const Board_0x88& board,
                          const KillerSet& killers,
                          MoveList& list);
 
-/// Appends those that come before all killers and quiet moves, the good captures and the
-/// promotions, with other scores that put them into the same order.
+/// Appends only good captures and promotions, with other scores than generateScoredMoves but in the
+/// same order of scores.
 template <Colour Us>
 void generateGoodCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list);
 
 /// Appends the legal captures and promotions to a queen, scored by victim and attacker alone.
 template <Colour Us>
-void generateCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list);
 void generateCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list);
 
 }  // namespace vatro

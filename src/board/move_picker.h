@@ -1,4 +1,4 @@
-// src/board/move_picker.h - hands out the moves of a search node, one at a time, best first.
+// board/move_picker.h - hands out the moves of a search node, one at a time, best first.
 //
 // Preferred moves come before anything is generated; a stage generates only when it is reached.
 // The board must be the same at every call of `next`.
@@ -8,25 +8,38 @@
 
 #include "board/attacks.h"
 #include "board/board.h"
+#include "board/legality.h"
 #include "board/move_ordering.h"
+#include "board/selection_sort.h"
 
 namespace vatro {
 
+/// Hears of a preferred move that cannot be played, before the next move is handed out.
+class RefusedMoveListener {
+  public:
+    virtual void reportRefusedMove(Move move) = 0;
+
+  protected:
+    ~RefusedMoveListener() = default;
+};
+
 class MovePicker {
   public:
-    /// The rows of the stage table: two preferred moves and all legal moves, or one preferred move
-    /// and captures.
+    /// What is handed out after the preferred moves: all legal moves, or captures and promotions to
+    /// a queen.
     enum class Phase { AllMoves, Captures };
 
     /// A picker for the side to move, whose pins and checkers are given.
-    MovePicker(const Board_0x88& position, const PinInfo& pins, Phase row)
-        : info(pins), board(position), phase(row) {}
+    MovePicker(const Board_0x88& position, const PinInfo& pins, Phase moves)
+        : info(pins), board(position), phase(moves) {}
 
     /// Moves to hand out before all others; NoMove for none. Each is tested before it is handed
-    /// out, so they may come from a table entry or a line that belongs to another position.
-    void prefer(Move first, Move second) {
+    /// out, so they may come from a table entry or a line that belongs to another position. A
+    /// `listener` hears of a second one that fails the test.
+    void prefer(Move first, Move second = NoMove, RefusedMoveListener* listener = nullptr) {
         firstMove = first;
         secondMove = second;
+        refusalListener = listener;
     }
 
     /// The next move, NoMove at the end.
@@ -44,12 +57,15 @@ class MovePicker {
     Move nextSelected();
     /// The same for a sorted list.
     Move nextSorted();
-    /// Good captures are generated first where the full list surely has room for all moves: eight
-    /// pawns that all promote in three ways, the other pieces, and up to 15 moves more for a
-    /// surplus piece than for the pawn it was make 203 + 3 * 15 < MoveList::Capacity.
+    /// Whether good captures are generated first, and the whole list only if they do not suffice.
+    /// Not in check, where there are few moves; nor where the list could overflow, as it would then
+    /// lack captures that have been handed out.
     template <Colour Us>
     bool beginsWithGoodCaptures() const {
-        constexpr int MaxSurplus = 3;
+        constexpr int PawnMoves = 8 * 12;  // each promotes in three ways
+        constexpr int OtherMoves = 107;    // queen, pairs of the others, king and castlings
+        constexpr int MaxSurplus = 3;      // each at most a queen in place of a pawn
+        static_assert(PawnMoves + OtherMoves + MaxSurplus * (27 - 12) < MoveList::Capacity);
         return phase == Phase::AllMoves && !info.inCheck() &&
                board.pieceLists[Us].counts[PieceList::Surplus] <= MaxSurplus;
     }
@@ -63,15 +79,13 @@ class MovePicker {
     KillerSet killers;
     PinInfo info;
     const Board_0x88& board;
+    RefusedMoveListener* refusalListener = nullptr;  // the caller's; outlives the picker
     unsigned current = 0;
     Phase phase;
     Stage stage = Stage::First;
     Move firstMove = NoMove;
     Move secondMove = NoMove;
 };
-
-/// Reports a preferred move from the table that cannot be played.
-void reportHashCollision(Move move);
 
 /// Swaps the best of the remaining moves to the front: every strictly better one that the scan
 /// meets changes places with it, so the order of equal moves follows from the swaps.
@@ -87,7 +101,7 @@ inline Move MovePicker::selectBest() {
 
 template <Colour Us>
 Move MovePicker::next() {
-    // Most calls; not in the switch, whose jump is hard to predict.
+    // Most calls end here, before the switch, whose jump is hard to predict.
     if (stage == Stage::Selected) return nextSelected();
     if (stage == Stage::Sorted) return nextSorted();
     switch (stage) {
@@ -100,7 +114,7 @@ Move MovePicker::next() {
             stage = Stage::Generate;
             if (secondMove && !(firstMove && sameMove(firstMove, secondMove))) {
                 if (isPlayable(secondMove)) return secondMove;
-                reportHashCollision(secondMove);
+                if (refusalListener) refusalListener->reportRefusedMove(secondMove);
                 secondMove = NoMove;
             }
             [[fallthrough]];
@@ -110,7 +124,7 @@ Move MovePicker::next() {
                 generateCaptures<Us>(board, info, list);
                 return nextSelected();
             }
-            killers = KillerSet(board);  // as they are now: the search of the captures changes them
+            killers = KillerSet(board);  // the search of the captures will change them
             if (!beginsWithGoodCaptures<Us>()) {
                 generateScoredMoves<Us>(board, info, killers, list);
                 return nextSelected();
@@ -123,7 +137,7 @@ Move MovePicker::next() {
             stage = Stage::Sorted;
             list.count = 0;
             generateScoredMoves<Us>(board, info, killers, list);
-            sortAsSelected(list);  // the captures handed out stand in front again
+            sortAsSelected(list);  // the captures handed out are the first `current` moves again
             return nextSorted();
         case Stage::Selected:
         case Stage::Sorted:

@@ -1,15 +1,13 @@
-// src/board/piece_square_table.cpp - the values of the piece-square tables.
+// board/piece_square_table.cpp - the values of the piece-square tables.
 #include "board/piece_square_table.h"
 
 namespace vatro {
 namespace {
 
-constexpr int PieceKinds = 6;
-
 // (middle game, end game) for White: as one reads a board, rank 8 first, files a to d. Files e to h
 // mirror them. Tuned; no derivation.
 // clang-format off
-constexpr ScorePair leftHalf[PieceKinds][8][4] = {
+constexpr ScorePair leftHalf[PieceKindCount][8][4] = {
     {  // Pawn
         {{   0,    0}, {   0,    0}, {   0,    0}, {   0,    0}},  // rank 8
         {{ 132,  101}, { 154,  117}, { 146,  138}, { 135,  144}},  // rank 7
@@ -75,12 +73,12 @@ constexpr ScorePair leftHalf[PieceKinds][8][4] = {
 
 constexpr PieceSquareTable build() {
     PieceSquareTable table{};
-    for (int kind = 0; kind < PieceKinds; ++kind) {
-        for (int sq64 = 0; sq64 < 64; ++sq64) {
-            const int file = fileOf64(sq64) < 4 ? fileOf64(sq64) : 7 - fileOf64(sq64);
-            const ScorePair value = leftHalf[kind][7 - rankOf64(sq64)][file];
-            table.values[White][kind][sq64] = value;
-            table.values[Black][kind][sq64 ^ 56] = value;
+    for (int kind = 0; kind < PieceKindCount; ++kind) {
+        for (const Square64 square : allSquares) {
+            const int file = fileOf(square) < 4 ? fileOf(square) : 7 - fileOf(square);
+            const ScorePair value = leftHalf[kind][7 - rankOf(square)][file];
+            table.values[White][kind][square] = value;
+            table.values[Black][kind][mirrorRanks(square)] = value;
         }
     }
     return table;

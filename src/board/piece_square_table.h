@@ -1,4 +1,4 @@
-// src/board/piece_square_table.h - what a piece is worth for standing where it stands.
+// board/piece_square_table.h - what a piece is worth for standing where it stands.
 //
 // The evaluation gives these values their meaning; they live here because the board keeps their
 // sums up to date with every move.
@@ -9,10 +9,10 @@
 namespace vatro {
 
 struct PieceSquareTable {
-    ScorePair values[ColourCount][6][64];  // by colour, piece type - 1 and sq64
+    ScorePair values[ColourCount][PieceKindCount][64];  // by colour, kind and Square64
 
-    constexpr ScorePair at(Colour colour, PieceType type, int sq64) const {
-        return values[colour][type - 1][sq64];
+    constexpr ScorePair at(Colour colour, PieceType type, Square64 square) const {
+        return values[colour][type - 1][square];
     }
 };
 extern const PieceSquareTable pieceSquareTable;

@@ -1,4 +1,4 @@
-// src/board/zobrist.cpp - drawing the Zobrist keys, at compile time.
+// board/zobrist.cpp - drawing the Zobrist keys, at compile time.
 //
 // The generator is an additive feedback generator (x[i] = x[i-3] + x[i-31], lowest bit dropped),
 // which is what rand() of the common C library on Linux computes; it is written out here so that
@@ -48,7 +48,8 @@ class KeyGenerator {
 
 constexpr ZobristKeys drawKeys() {
     ZobristKeys keys{};
-    KeyGenerator generator(327641845);
+    constexpr std::uint32_t Seed = 327641845;  // arbitrary, but node counts depend on it
+    KeyGenerator generator(Seed);
     for (auto& colour : keys.piece) {
         for (auto& type : colour) {
             for (Key& key : type) {

@@ -1,4 +1,4 @@
-// src/board/zobrist.h - the Zobrist keys of positions.
+// board/zobrist.h - the Zobrist keys of positions.
 //
 // The keys are the same in every run and on every platform: tables, node counts and signatures
 // depend on them. The opening book has keys of its own.
@@ -11,13 +11,13 @@
 namespace vatro {
 
 struct ZobristKeys {
-    Key piece[ColourCount][6][64];  // by colour, piece type - 1 and sq64
-    Key castling[16];               // by single right; entries of other indices are 0
-    Key epFile[8];                  // by file of the en-passant square
-    Key side;                       // when Black is to move
+    Key piece[ColourCount][PieceKindCount][64];  // by colour, kind and Square64
+    Key castling[16];                            // by single right; entries of other indices are 0
+    Key epFile[8];                               // by file of the en-passant square
+    Key side;                                    // when Black is to move
 
-    constexpr Key pieceSquare(Colour colour, PieceType type, int sq64) const {
-        return piece[colour][type - 1][sq64];
+    constexpr Key pieceSquare(Colour colour, PieceType type, Square64 square) const {
+        return piece[colour][type - 1][square];
     }
 };
 extern const ZobristKeys zobrist;

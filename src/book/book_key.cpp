@@ -1,4 +1,4 @@
-// src/book/book_key.cpp - the key under which a Polyglot book knows a position.
+// book/book_key.cpp - the key under which a Polyglot book knows a position.
 #include <bit>
 
 #include "book/polyglot_book.h"
@@ -16,7 +16,7 @@ Key bookKey(const Board_0x88& board) {
             }
         }
     }
-    // The rights' bits stand in the format's order.
+    // CastlingRight lists the rights in the order of the format.
     for (unsigned rights = board.castlingRights; rights; rights &= rights - 1) {
         key ^= random64[BookCastlingKeys + std::countr_zero(rights)];
     }

@@ -1,7 +1,9 @@
-// src/book/book_move.cpp - from the moves of a Polyglot book to move words.
+// book/book_move.cpp - from the moves of a Polyglot book to move words.
 #include "book/book_move.h"
 
 #include "board/attacks.h"
+#include "board/legality.h"
+#include "board/side.h"
 
 namespace vatro {
 namespace {
@@ -16,16 +18,15 @@ bool isPieceAt(const Board_0x88& board, Square square, PieceType type, Colour co
 template <Colour Us>
 Move castlingMove(const Board_0x88& board, Square from, Square to) {
     using S = Side<Us>;
-    constexpr unsigned KingSideKind = Us == White ? 0 : 2;
     if (from != S::KingHome || !isPieceAt(board, from, King, Us)) return NoMove;
     const auto castlesTo = [&](Square rook, Square target) {
         return (to == rook || to == target) && isPieceAt(board, rook, Rook, Us);
     };
     if (castlesTo(S::home(H1), S::home(G1))) {
-        return makeMoveWord(toSq64(from), toSq64(S::home(G1)), Castling, KingSideKind);
+        return makeMoveWord(from, S::home(G1), Castling, S::KingSideCastling);
     }
     if (castlesTo(S::home(A1), S::home(C1))) {
-        return makeMoveWord(toSq64(from), toSq64(S::home(C1)), Castling, KingSideKind + 1);
+        return makeMoveWord(from, S::home(C1), Castling, S::QueenSideCastling);
     }
     return NoMove;
 }
@@ -41,23 +42,21 @@ bool isDoubleStep(const Board_0x88& board, Square from, Square to) {
 template <Colour Us>
 Move translate(const Board_0x88& board, Square from, Square to, unsigned promotion) {
     if (promotion > LastPromotionCode) return NoMove;
-    const int from64 = toSq64(from);
-    const int to64 = toSq64(to);
     if (promotion > 0) {
-        return makePromotion(from64, to64, static_cast<PieceType>(Knight + promotion - 1));
+        return makePromotion(from, to, static_cast<PieceType>(Knight + promotion - 1));
     }
     if (const Move castling = castlingMove<Us>(board, from, to)) return castling;
     if (to == board.epSquare && board.pieceOn[from] == Pawn) {
-        return makeMoveWord(from64, to64, EnPassant);
+        return makeMoveWord(from, to, EnPassant);
     }
-    return makeMoveWord(from64, to64, Normal, isDoubleStep<Us>(board, from, to) ? DoubleStep : 0);
+    return makeMoveWord(from, to, Normal, isDoubleStep<Us>(board, from, to) ? DoubleStep : 0);
 }
 
 }  // namespace
 
 Move fromBookMove(const Board_0x88& board, std::uint16_t bookMove) {
-    const Square to = toSquare(bookMove & 63);
-    const Square from = toSquare((bookMove >> 6) & 63);
+    const Square to = squareAt(bookMove & 7, (bookMove >> 3) & 7);
+    const Square from = squareAt((bookMove >> 6) & 7, (bookMove >> 9) & 7);
     const unsigned promotion = (bookMove >> 12) & 7;
     const Move move = board.sideToMove == White ? translate<White>(board, from, to, promotion)
                                                 : translate<Black>(board, from, to, promotion);

@@ -1,4 +1,4 @@
-// src/book/book_move.h - from the moves of a Polyglot book to move words.
+// book/book_move.h - from the moves of a Polyglot book to move words.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// src/book/polyglot_book.cpp - searching a book file for a position and drawing one of its moves.
+// book/polyglot_book.cpp - searching a book file for a position and drawing one of its moves.
 //
 // The file is not trusted: it may have shrunk since its entries were counted, be unsorted or hold
 // moves of another game.
@@ -7,13 +7,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <limits>
 #include <memory>
 #include <system_error>
 #include <utility>
 
+#include "base/random.h"
 #include "book/book_move.h"
 
 namespace vatro {
@@ -97,8 +97,8 @@ class BookFile {
     std::unique_ptr<std::FILE, Close> file;
 };
 
-/// The index of an entry with the key, by halving; -1 when there is none or the file cannot be
-/// read. In the second case `error` gets the system's text, if the system has one.
+/// The index of an entry with the key, by binary search; -1 when there is none or the file cannot
+/// be read. In the second case `error` gets the system's text, if the system has one.
 std::int64_t findEntry(const BookFile& file, std::int64_t count, Key wanted, std::string& error) {
     std::int64_t low = 0;
     std::int64_t high = count - 1;
@@ -143,7 +143,7 @@ const BookEntry& drawEntry(const Candidates& candidates) {
     for (unsigned i = 0; i < candidates.count; ++i)
         total += entry[i].weight;
     if (total == 0) return *entry;
-    std::uint32_t rest = (static_cast<std::uint32_t>(std::rand()) & 0x7FFFFFFF) % total;
+    std::uint32_t rest = randomBelow(total);
     while (rest >= entry->weight)
         rest -= (entry++)->weight;
     return *entry;

@@ -1,7 +1,7 @@
-// src/book/polyglot_book.h - a move from an opening book file in the Polyglot format.
+// book/polyglot_book.h - a move from an opening book file in the Polyglot format.
 //
-// Nothing of the file stays in memory: every probe opens it, searches it by halves and closes it,
-// so that a book may have any size and may be replaced while the engine runs.
+// Nothing of the file stays in memory: every probe opens it, searches it and closes it, so that a
+// book may have any size and may be replaced while the engine runs.
 #pragma once
 
 #include <cstdint>
@@ -20,23 +20,25 @@ class PolyglotBook {
   public:
     static constexpr std::size_t MaxPathLength = 255;  // characters
 
-    explicit PolyglotBook(std::string path = "book.bin");
+    static constexpr char DefaultPath[] = "book.bin";
+
+    explicit PolyglotBook(std::string path = DefaultPath);
 
     /// Sets another file; at most MaxPathLength characters are kept. Any thread, at any time: a
     /// probe that runs goes on with the old file.
     void setPath(const std::string& path);
     std::string path() const;
 
-    /// Draws a move of the position at random, in proportion to the weights, with std::rand. False
-    /// when the book has none, or when the one drawn is illegal; `move` is legal after true. After
-    /// false, `error` holds the system's text when the file could not be read, else it is empty.
+    /// Draws a legal move of the position at random, in proportion to the weights. False when the
+    /// book has none, or when the one drawn is illegal. `error` then holds the system's message if
+    /// the file could not be read; otherwise it is empty.
     [[nodiscard]] bool probe(const Board_0x88& board, Move& move, std::string& error);
 
   private:
     mutable std::mutex mutex;  // guards the fields below; never held while the file is read
     std::string filePath;
-    std::uint32_t entryCount = 0;  // taken once for a path, not at every probe
-    bool consulted = false;        // before the first probe nothing is asked of the file system
+    std::uint32_t entryCount = 0;  // counted once for a path, not at every probe
+    bool consulted = false;        // entryCount is known from the first probe on
 };
 
 }  // namespace vatro

@@ -1,4 +1,4 @@
-// src/book/random64.cpp - the 781 numbers of the Polyglot format, in its order.
+// book/random64.cpp - the 781 numbers of the Polyglot format, in its order.
 #include "book/random64.h"
 
 namespace vatro {

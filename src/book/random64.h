@@ -1,7 +1,7 @@
-// src/book/random64.h - the random numbers that keys of Polyglot books are made of.
+// book/random64.h - the random numbers that keys of Polyglot books are made of.
 //
-// They are part of the file format: every book in the world depends on them. The search has keys
-// of its own (board/zobrist.h).
+// They are part of the file format and cannot change. The search has keys of its own
+// (board/zobrist.h).
 #pragma once
 
 #include "board/types.h"

@@ -1,4 +1,4 @@
-// src/egtb/block_cache.cpp - a set-associative cache with lock-free reading.
+// egtb/block_cache.cpp - a set-associative cache with lock-free reading.
 #include "egtb/block_cache.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@ BlockCache::BlockCache(std::size_t bytes, std::uint32_t blockSize)
       wordsPerSlot(blockSize / ValuesPerWord),
       slots(new Slot[slotCount]),
       sets(new Set[setCount]),
-      words(new std::atomic<std::uint64_t>[slotCount * wordsPerSlot]) {}
+      words(slotCount * wordsPerSlot) {}
 
 std::size_t BlockCache::setOf(std::uint64_t key) const {
     // Multiplying by the golden ratio spreads neighbouring blocks over the sets.
@@ -24,19 +24,20 @@ std::size_t BlockCache::slotsIn(std::size_t set) const {
     return std::min(SlotsPerSet, slotCount - set * SlotsPerSet);
 }
 
-int BlockCache::find(int table, std::uint32_t block, std::uint32_t offset) const {
+int BlockCache::find(int table, std::uint32_t block, std::uint32_t offset) {
     if (slotCount == 0) return -1;
     const std::uint64_t key = keyOf(table, block);
     const std::size_t set = setOf(key);
     const std::size_t first = set * SlotsPerSet;
     for (std::size_t i = first; i < first + slotsIn(set); ++i) {
         Slot& slot = slots[i];
-        // The writer's release of an even version makes key and values of that version visible;
-        // the acquiring reads keep the second look at the version behind them.
+        // An even version was stored with release after its key and values, so they are visible
+        // here. The acquiring loads keep the second load of the version behind them.
         const std::uint32_t version = slot.version.load(std::memory_order_acquire);
         if (slot.key.load(std::memory_order_acquire) != key) continue;
         const std::uint64_t word =
-            words[i * wordsPerSlot + offset / ValuesPerWord].load(std::memory_order_acquire);
+            std::atomic_ref<std::uint64_t>(words[i * wordsPerSlot + offset / ValuesPerWord])
+                .load(std::memory_order_acquire);
         if ((version & 1) || slot.version.load(std::memory_order_relaxed) != version) return -1;
         if (!slot.wasUsed.load(std::memory_order_relaxed)) {
             slot.wasUsed.store(true, std::memory_order_relaxed);
@@ -57,11 +58,11 @@ void BlockCache::insert(int table,
     const std::size_t count = slotsIn(setIndex);
     Set& set = sets[setIndex];
     const std::lock_guard<std::mutex> lock(set.writing);
-    // Two threads may have read the same block.
+    // Another thread may have read the same block meanwhile.
     for (std::size_t i = first; i < first + count; ++i) {
         if (slots[i].key.load(std::memory_order_relaxed) == key) return;
     }
-    // Once round the clock clears every mark, so the second round finds a slot.
+    // The first round clears every mark, so the second finds a slot at the latest.
     while (slots[first + set.hand].wasUsed.exchange(false, std::memory_order_relaxed)) {
         set.hand = (set.hand + 1) % count;
     }
@@ -71,18 +72,19 @@ void BlockCache::insert(int table,
     Slot& slot = slots[victim];
     const std::uint32_t version = slot.version.load(std::memory_order_relaxed);
     slot.version.store(version + 1, std::memory_order_relaxed);
-    // Released, so that whoever sees the new key or a new word also sees the odd version.
+    // Stored with release, so that a reader of the new key or a new word sees the odd version too.
     slot.key.store(key, std::memory_order_release);
-    std::atomic<std::uint64_t>* to = &words[victim * wordsPerSlot];
+    std::uint64_t* to = &words[victim * wordsPerSlot];
     for (std::uint32_t at = 0; at < size; at += ValuesPerWord) {
         std::uint64_t word = 0;
         for (std::uint32_t i = 0; i < std::min<std::uint32_t>(ValuesPerWord, size - at); ++i) {
             word |= std::uint64_t{values[at + i]} << (8 * i);
         }
-        to[at / ValuesPerWord].store(word, std::memory_order_release);
+        std::atomic_ref<std::uint64_t>(to[at / ValuesPerWord])
+            .store(word, std::memory_order_release);
     }
     slot.version.store(version + 2, std::memory_order_release);
-    // Marked by its insertion, or the hand would come back to it before its first use.
+    // A new block counts as used, or the next insertion could evict it before its first use.
     slot.wasUsed.store(true, std::memory_order_relaxed);
 }
 

@@ -1,8 +1,7 @@
-// src/egtb/block_cache.h - inflated blocks of all tables, shared by all search threads.
+// egtb/block_cache.h - inflated blocks of all tables, shared by all search threads.
 //
-// Reading takes no lock: each slot carries a version that is odd while its block is replaced, and
-// a reader that sees the version change has read nothing. Only replacing a block locks, and then
-// one set of slots.
+// Reading takes no lock: each slot has a version that is odd while its block is replaced, and a
+// reader that sees the version change discards what it read. Replacing a block locks one set.
 #pragma once
 
 #include <atomic>
@@ -10,6 +9,8 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+
+#include "egtb/large_array.h"
 
 namespace vatro::egtb {
 
@@ -19,16 +20,15 @@ class BlockCache {
     BlockCache(std::size_t bytes, std::uint32_t blockSize);
 
     /// The value at `offset` of a block, or -1 when the block is not there. Any thread.
-    int find(int table, std::uint32_t block, std::uint32_t offset) const;
+    int find(int table, std::uint32_t block, std::uint32_t offset);
 
-    /// Keeps a copy of a block of `size` values, at the expense of one not used lately. Any thread.
+    /// Keeps a copy of a block of `size` values, in place of one not used lately. Any thread.
     void insert(int table, std::uint32_t block, const std::uint8_t* values, std::uint32_t size);
 
     std::size_t capacity() const { return slotCount; }
 
   private:
-    // Sets of eight keep the search for a block within two cache lines of keys and still find an
-    // unused block nearly as well as one list over the whole cache would.
+    // Eight slots of 16 bytes are two cache lines to search for a block. Tuned; no derivation.
     static constexpr std::size_t SlotsPerSet = 8;
     static constexpr int ValuesPerWord = 8;
 
@@ -39,7 +39,7 @@ class BlockCache {
     };
     struct Set {
         std::mutex writing;
-        std::size_t hand = 0;  // the slot to look at next for replacement; under `writing`
+        std::size_t hand = 0;  // next slot to consider for replacement; guarded by `writing`
     };
 
     static std::uint64_t keyOf(int table, std::uint32_t block) {
@@ -53,7 +53,9 @@ class BlockCache {
     std::size_t wordsPerSlot;
     std::unique_ptr<Slot[]> slots;
     std::unique_ptr<Set[]> sets;
-    std::unique_ptr<std::atomic<std::uint64_t>[]> words;  // the values, eight in a word
+    /// The values, eight in a word, read and written atomically. Not touched before they are used:
+    /// whoever asks for a large cache does not wait until it is cleared.
+    LargeArray<std::uint64_t> words;
 };
 
 }  // namespace vatro::egtb

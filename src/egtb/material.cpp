@@ -1,4 +1,4 @@
-// src/egtb/material.cpp - naming endings and walking from one to the next.
+// egtb/material.cpp - names of endings, and which ending leads to which.
 #include "egtb/material.h"
 
 #include <algorithm>
@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::string_view menLetters = ".PNBRQK";  // by PieceType
 
-/// Adds `material` after everything it leads to, unless it is there already.
+/// Appends what `material` leads to and then `material`, each unless the list has it.
 void addInOrder(const Material& material, std::vector<Material>& list) {
     if (std::find(list.begin(), list.end(), material) != list.end()) return;
     for (const Material& next : successors(material)) {

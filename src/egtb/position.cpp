@@ -1,9 +1,9 @@
-// src/egtb/position.cpp - order of the pieces, checks and legality.
+// egtb/position.cpp - keeping the pieces sorted, checks and legality.
 #include "egtb/position.h"
 
 namespace vatro::egtb {
 
-bool Position::Pieces::add(PieceType type, int sq64) {
+bool Position::Pieces::add(PieceType type, Square64 square) {
     if (count == MaxPieces - 1) return false;
     int slot = count++;
     for (; slot > 0 && types[slot - 1] < type; --slot) {
@@ -11,7 +11,7 @@ bool Position::Pieces::add(PieceType type, int sq64) {
         squares[slot] = squares[slot - 1];
     }
     types[slot] = type;
-    squares[slot] = static_cast<std::uint8_t>(sq64);
+    squares[slot] = square;
     return true;
 }
 
@@ -48,7 +48,8 @@ Position Position::withColoursSwapped() const {
     for (const Colour colour : {White, Black}) {
         swapped.pieces[colour] = pieces[~colour];
         for (int i = 0; i < swapped.pieces[colour].count; ++i) {
-            swapped.pieces[colour].squares[i] ^= 56;
+            Square64& square = swapped.pieces[colour].squares[i];
+            square = mirrorRanks(square);
         }
     }
     swapped.sideToMove = ~sideToMove;
@@ -57,7 +58,7 @@ Position Position::withColoursSwapped() const {
 
 bool isInCheck(const Position& position, Colour colour) {
     const Position::Pieces& enemies = position.pieces[~colour];
-    const int king = position.pieces[colour].kingSquare();
+    const Square64 king = position.pieces[colour].kingSquare();
     const SquareMask occupied = position.occupied();
     for (int i = 0; i < enemies.count; ++i) {
         if (attacks(enemies.types[i], ~colour, enemies.squares[i], king, occupied)) return true;
@@ -70,7 +71,7 @@ bool isWellFormed(const Position& position) {
     for (const Position::Pieces& side : position.pieces) {
         if (side.count == 0 || side.types[0] != King) return false;
         for (int i = 0; i < side.count; ++i) {
-            const int rank = rankOf64(side.squares[i]);
+            const int rank = rankOf(side.squares[i]);
             if (i > 0 && side.types[i] == King) return false;
             if (side.types[i] == Pawn && (rank == 0 || rank == 7)) return false;
         }
@@ -81,7 +82,7 @@ bool isWellFormed(const Position& position) {
 
 bool hasOrdinaryMove(const Position& position) {
     bool found = false;
-    forEachOrdinaryChild(position, [&](const Position&, int) { found = true; });
+    forEachOrdinaryChild(position, [&](const Position&, Square64) { found = true; });
     return found;
 }
 

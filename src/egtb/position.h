@@ -1,7 +1,7 @@
-// src/egtb/position.h - a position of a few pieces, as the tables know it.
+// egtb/position.h - a position of a few pieces, as the tables know it.
 //
-// The pieces of a side stand in descending order of type, so entry 0 is the king and the types
-// without it are the side's `MenOfSide`.
+// The pieces of a side are sorted by descending type: entry 0 is the king, and the other types are
+// those of the side's `MenOfSide`.
 #pragma once
 
 #include <cassert>
@@ -13,18 +13,18 @@
 
 namespace vatro::egtb {
 
-constexpr int NoEpSquare = 64;
+constexpr Square64 NoEpSquare = NoSquare64;  // no capture en passant
 
 struct Position {
     struct Pieces {
-        std::uint8_t squares[MaxPieces - 1];  // sq64
+        Square64 squares[MaxPieces - 1];
         PieceType types[MaxPieces - 1];
         int count = 0;
 
         /// Inserts in order of type. False when there is no room.
-        bool add(PieceType type, int sq64);
+        bool add(PieceType type, Square64 square);
         void remove(int index);
-        int kingSquare() const { return squares[0]; }
+        Square64 kingSquare() const { return squares[0]; }
     };
 
     Pieces pieces[ColourCount];
@@ -33,12 +33,13 @@ struct Position {
     SquareMask occupied(Colour colour) const;
     SquareMask occupied() const { return occupied(White) | occupied(Black); }
     Material material() const;
-    /// The same position seen from the other side: colours and ranks change places.
+    /// The same position seen from the other side, with colours and ranks mirrored.
     Position withColoursSwapped() const;
 };
 
-/// A piece attacks a square, given what stands between them.
-inline bool attacks(PieceType type, Colour colour, int from, int to, SquareMask occupied) {
+/// A piece on `from` attacks `to`, given the occupied squares of the board.
+inline bool attacks(
+    PieceType type, Colour colour, Square64 from, Square64 to, SquareMask occupied) {
     const SquareMask target = maskOf(to);
     switch (type) {
         case Pawn:
@@ -70,14 +71,14 @@ bool isWellFormed(const Position& position);
 inline bool isLegal(const Position& position) { return !isInCheck(position, ~position.sideToMove); }
 
 /// Calls `visit(child, epSquare)` for the position after each legal move, the other side to move.
-/// `epSquare` is NoEpSquare unless the move was a double step past an enemy pawn. En passant is
-/// generated when `ep` is a square that a pawn can take on, and then last of all moves.
+/// `epSquare` is NoEpSquare unless the move was a double step past an enemy pawn. `ep` is the
+/// square on which a pawn of the position can take en passant, or NoEpSquare.
 template <typename Visit>
-void forEachChild(const Position& position, int ep, Visit visit);
+void forEachChild(const Position& position, Square64 ep, Visit visit);
 
-/// Calls `visit(child)` for each legal en-passant capture.
+/// Calls `visit(child)` after each legal en-passant capture.
 template <typename Visit>
-void forEachEnPassant(const Position& position, int ep, Visit visit);
+void forEachEnPassant(const Position& position, Square64 ep, Visit visit);
 
 /// A legal move other than en passant exists.
 bool hasOrdinaryMove(const Position& position);

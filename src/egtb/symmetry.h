@@ -1,7 +1,7 @@
-// src/egtb/symmetry.h - the board symmetries that the tables use to store a position once.
+// egtb/symmetry.h - the board symmetries that the tables use to store a position once.
 //
-// A symmetry is applied in a fixed order: mirror the files, then the ranks, then swap file and
-// rank. Undoing it, as `unmapSquares` does, takes the opposite order.
+// A symmetry is applied in this order: mirror the files, mirror the ranks, swap file and rank. It
+// is undone in the opposite order, as in `unmapSquares`.
 #pragma once
 
 #include "board/geometry.h"
@@ -15,26 +15,26 @@ constexpr int MirrorRanks = 2;  // first rank to eighth; never with pawns
 constexpr int SwapAxes = 4;     // about the a1-h8 diagonal; never with pawns
 
 /// Where a symmetry takes a square.
-constexpr int mapSquare(int sq64, int symmetry) {
-    if (symmetry & MirrorFiles) sq64 ^= 7;
-    if (symmetry & MirrorRanks) sq64 ^= 56;
-    if (symmetry & SwapAxes) sq64 = ((sq64 & 7) << 3) | (sq64 >> 3);
-    return sq64;
+constexpr Square64 mapSquare(Square64 square, int symmetry) {
+    if (symmetry & MirrorFiles) square = mirrorFiles(square);
+    if (symmetry & MirrorRanks) square = mirrorRanks(square);
+    if (symmetry & SwapAxes) square = square64At(rankOf(square), fileOf(square));
+    return square;
 }
 
 /// The symmetry that takes a king to the files a-d and, without pawns, to the triangle a1-d1-d4.
-constexpr int normalisingSymmetry(int king, bool hasPawns) {
+constexpr int normalisingSymmetry(Square64 king, bool hasPawns) {
     int symmetry = 0;
-    if (fileOf64(king) > 3) {
+    if (fileOf(king) > 3) {
         symmetry |= MirrorFiles;
-        king ^= 7;
+        king = mirrorFiles(king);
     }
     if (hasPawns) return symmetry;
-    if (rankOf64(king) > 3) {
+    if (rankOf(king) > 3) {
         symmetry |= MirrorRanks;
-        king ^= 56;
+        king = mirrorRanks(king);
     }
-    if (rankOf64(king) > fileOf64(king)) symmetry |= SwapAxes;
+    if (rankOf(king) > fileOf(king)) symmetry |= SwapAxes;
     return symmetry;
 }
 
@@ -45,8 +45,9 @@ constexpr SquareMask mirrorFiles(SquareMask mask) {
     return ((mask >> 4) & 0x0F0F0F0F0F0F0F0FULL) | ((mask & 0x0F0F0F0F0F0F0F0FULL) << 4);
 }
 
-/// The mask mirrored about the a1-h8 diagonal: halves, quarters and pairs change places.
+/// The mask mirrored about the a1-h8 diagonal.
 constexpr SquareMask swapAxes(SquareMask mask) {
+    // Swap the off-diagonal blocks of 4x4 squares, then of 2x2, then of single squares.
     SquareMask t = 0x0F0F0F0F00000000ULL & (mask ^ (mask << 28));
     mask ^= t ^ (t >> 28);
     t = 0x3333000033330000ULL & (mask ^ (mask << 14));
@@ -55,7 +56,7 @@ constexpr SquareMask swapAxes(SquareMask mask) {
     return mask ^ t ^ (t >> 7);
 }
 
-/// The squares that the symmetry takes into `mask`.
+/// The squares that the symmetry maps to those of `mask`.
 constexpr SquareMask unmapSquares(SquareMask mask, int symmetry) {
     if (symmetry & SwapAxes) mask = swapAxes(mask);
     if (symmetry & MirrorRanks) mask = mirrorRanks(mask);

@@ -1,21 +1,25 @@
-// src/egtb/table_set.cpp - finding the table files and looking positions up in them.
+// egtb/table_set.cpp - finding the table files and looking positions up in them.
 #include "egtb/table_set.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <dirent.h>
 #include <filesystem>
+#include <memory>
 #include <new>
-#include <system_error>
 
 namespace vatro::egtb {
 namespace {
 
-/// Order of values for the side to move: quick wins first, slow losses before quick ones.
+/// The better of two values for the side to move has the greater preference: quick wins, slow wins,
+/// the draw, slow losses, quick losses.
 int preference(int code) {
+    constexpr int AboveAnyCode = 256;
     if (code == DrawCode) return 0;
-    return isWinCode(code) ? 1000 - code : code - 1000;
+    return isWinCode(code) ? AboveAnyCode - code : code - AboveAnyCode;
 }
 
-/// The value of a position in which a move leads to a position of value `code`.
+/// The value of a move, for the side that makes it, into a position of the given value.
 int codeBeforeMove(int code) { return code == DrawCode ? DrawCode : code + 1; }
 
 }  // namespace
@@ -28,26 +32,26 @@ TableSet::TableSet(const std::string& paths, std::size_t cacheBytes) {
     }
     std::uint32_t blockSize = 1U << MinBlockBits;
     for (const auto& table : tables) {
-        blockSize = std::max(blockSize, table->header().blockSize());
+        blockSize = std::max(blockSize, table->header.blockSize());
     }
     cache = std::make_unique<BlockCache>(tables.empty() ? 0 : cacheBytes, blockSize);
 }
 
 void TableSet::addDirectory(const std::string& path) {
-    std::error_code error;
-    std::filesystem::directory_iterator entry(path, error);
-    if (error) {
-        // That there is nothing is a normal case; that it may not be read is worth a word.
-        if (error == std::errc::permission_denied) notice(path + " cannot be read");
+    // Not std::filesystem's iterator, which ends the process where libstdc++ finds no memory.
+    const std::unique_ptr<DIR, int (*)(DIR*)> directory(::opendir(path.c_str()), &::closedir);
+    if (!directory) {
+        // A missing directory is a normal case; one that may not be read is worth a notice.
+        if (errno == EACCES) notice(path + " cannot be read");
         return;
     }
     std::vector<std::string> names;
-    for (; entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        const std::string name = entry->path().filename().string();
+    while (const dirent* const entry = ::readdir(directory.get())) {
+        const std::string name = entry->d_name;
         if (name.ends_with(TableSuffix)) names.push_back(name);
-        if (error) break;
     }
-    // The order of a directory is its own; the user is told about the same file each time.
+    // Directories are listed in no particular order; sorted, the notice names the same file each
+    // time.
     std::sort(names.begin(), names.end());
     for (const std::string& name : names) {
         addTable((std::filesystem::path(path) / name).string(), name);
@@ -55,13 +59,14 @@ void TableSet::addDirectory(const std::string& path) {
 }
 
 void TableSet::addTable(const std::string& path, const std::string& fileName) {
-    std::string fault;
-    bool isForeign = false;
-    auto table = TableFile::open(path, fault, isForeign);
-    if (!table) return notice(fileName + " " + fault);
-    const Material& material = table->header().material;
+    TableHeader header;
+    const OpenedTable opened = TableFile::readHeader(path, header);
+    if (opened.fault != TableFault::None) {
+        return notice(fileName + " " + opened.faultText() + "; " + opened.advice());
+    }
+    const Material& material = header.material;
     if (fileName != material.name() + TableSuffix) {
-        return notice(fileName + " is a table of " + material.name());
+        return notice(fileName + " is a table of " + material.name() + "; rename it");
     }
     Entry& entry = entries[material.side[White].key() * MenKeyCount + material.side[Black].key()];
     if (entry.table >= 0) return;
@@ -70,7 +75,7 @@ void TableSet::addTable(const std::string& path, const std::string& fileName) {
         entries[material.side[Black].key() * MenKeyCount + material.side[White].key()] = {
             entry.table, true};
     }
-    tables.push_back(std::move(table));
+    tables.push_back(std::make_unique<Table>(path, header));
 }
 
 void TableSet::notice(const std::string& text) const {
@@ -78,19 +83,54 @@ void TableSet::notice(const std::string& text) const {
     if (++noticeCount == 1) firstNotice = text;
 }
 
-void TableSet::noticeBroken(const TableFile& table) const noexcept {
+void TableSet::markBroken(Table& table) const noexcept {
+    if (table.isBroken.exchange(true, std::memory_order_relaxed)) return;
     try {
-        notice(table.header().material.name() + TableSuffix + " can no longer be read");
+        notice(table.header.material.name() + TableSuffix +
+               " can no longer be read; make it again with vatro-tbgen");
     } catch (const std::bad_alloc&) {
-        // A lost comment line is no reason to stop a search.
+        // The search goes on without this comment line.
     }
+}
+
+std::shared_ptr<const TableFile> TableSet::openFile(Table& table) const noexcept try {
+    const std::lock_guard<std::mutex> lock(opening);
+    table.lastUse = ++useCount;
+    if (table.file) return table.file;
+    OpenedTable opened = TableFile::open(table.path);
+    // A file that was replaced may have other numbers.
+    if (!opened.table || encodeHeader(opened.table->header()) != encodeHeader(table.header)) {
+        // Too many files of the process are open for a while: that breaks no table.
+        const bool isBusy = opened.fault == TableFault::CannotBeOpened &&
+                            (opened.systemError == EMFILE || opened.systemError == ENFILE);
+        if (!isBusy) markBroken(table);
+        return nullptr;
+    }
+    if (openCount == MostOpenFiles) {
+        Table* oldest = nullptr;
+        for (const auto& other : tables) {
+            if (other->file && (!oldest || other->lastUse < oldest->lastUse)) oldest = other.get();
+        }
+        oldest->file.reset();  // closed once the last probe that reads from it is done
+        --openCount;
+    }
+    table.file = std::move(opened.table);
+    ++openCount;
+    return table.file;
+} catch (const std::bad_alloc&) {
+    return nullptr;  // no memory for the index now: that breaks no table
+}
+
+int TableSet::openFiles() const {
+    const std::lock_guard<std::mutex> lock(opening);
+    return openCount;
 }
 
 std::string TableSet::takeNotice() const {
     const std::lock_guard<std::mutex> lock(noticeLock);
     std::string text;
     if (noticeCount > 0 && !firstNotice.empty()) {
-        text = "tablebases: " + firstNotice + ", ignored";
+        text = "tablebases: ignored: " + firstNotice;
         if (noticeCount > 1) text += " (and " + std::to_string(noticeCount - 1) + " more)";
     }
     firstNotice.clear();
@@ -105,30 +145,34 @@ int TableSet::probeOrdinary(const Position& position,
     const Entry entry =
         entries[material.side[White].key() * MenKeyCount + material.side[Black].key()];
     if (entry.table < 0) return -1;
-    const TableFile& table = *tables[entry.table];
-    const std::uint64_t offset = table.offsetOf(position, entry.isSwapped);
-    const auto block = static_cast<std::uint32_t>(offset >> table.header().blockBits);
-    const auto within = static_cast<std::uint32_t>(offset) & (table.header().blockSize() - 1);
+    Table& table = *tables[entry.table];
+    const std::uint64_t offset = table.numbers.offsetOf(position, entry.isSwapped);
+    const auto block = static_cast<std::uint32_t>(offset >> table.header.blockBits);
+    const auto within = static_cast<std::uint32_t>(offset) & (table.header.blockSize() - 1);
     const int cached = cache->find(entry.table, block, within);
-    if (cached >= 0 || source == Source::Cache || table.isBroken()) return cached;
+    const bool isBroken = table.isBroken.load(std::memory_order_relaxed);
+    if (cached >= 0 || source == Source::Cache || isBroken) return cached;
 
+    const std::shared_ptr<const TableFile> file = openFile(table);
+    if (!file) return -1;
     std::uint8_t values[1U << MaxBlockBits];
     ++diskReads;
-    if (!table.readBlock(block, values)) {
-        noticeBroken(table);
+    if (!file->readBlock(block, values)) {
+        markBroken(table);
         return -1;
     }
-    cache->insert(entry.table, block, values, table.valuesInBlock(block));
+    cache->insert(entry.table, block, values, file->valuesInBlock(block));
     return values[within];
 }
 
 int TableSet::probe(const Position& position,
-                    int ep,
+                    Square64 ep,
                     Source source,
                     std::uint64_t& diskReads) const {
     const int ordinary = probeOrdinary(position, source, diskReads);
     if (ep == NoEpSquare || ordinary < 0) return ordinary;
-    // The table knows the position without the right to take; the captures are in smaller tables.
+    // The table's value takes no account of the capture; the positions after it are in smaller
+    // tables.
     int best = -1;
     bool isMissing = false;
     forEachEnPassant(position, ep, [&](const Position& child) {
@@ -141,8 +185,8 @@ int TableSet::probe(const Position& position,
     });
     if (isMissing) return -1;
     if (best < 0) return ordinary;
-    // What the table knows as stalemate is none: the capture must be made, good or bad. A mate that
-    // the capture averts needs no such care, as every capture is better.
+    // Where the capture is the only legal move, the table calls it stalemate and the draw does not
+    // count. If it calls it mate, every capture is preferred anyway.
     const bool mustTake = ordinary == DrawCode && !hasOrdinaryMove(position);
     return mustTake || preference(best) > preference(ordinary) ? best : ordinary;
 }

@@ -1,4 +1,4 @@
-// src/egtb/tablebases.cpp - guarding the tables in use, and reading the engine's questions.
+// egtb/tablebases.cpp - replacing tables under running probes, and checking queries.
 #include "egtb/tablebases.h"
 
 #include <chrono>
@@ -11,32 +11,33 @@
 namespace vatro {
 namespace {
 
-/// The stripe of the calling thread: threads take turns.
+/// The stripe of the calling thread: each new thread gets the next one.
 std::size_t stripeOfThread(std::size_t stripeCount) {
     static std::atomic<std::size_t> next{0};
     thread_local const std::size_t mine = next.fetch_add(1, std::memory_order_relaxed);
     return mine % stripeCount;
 }
 
+/// False when the two lists do not match or hold what is no piece or no square.
 bool addPieces(const std::array<std::uint8_t, 6>& squares,
                const std::array<std::uint8_t, 6>& types,
                egtb::Position::Pieces& pieces) {
     for (std::size_t i = 0; i < squares.size(); ++i) {
-        if (squares[i] == TablebaseState::NoSquare64 || types[i] == NoPiece) {
-            return squares[i] == TablebaseState::NoSquare64 && types[i] == NoPiece;
-        }
+        const bool listEnds = squares[i] == TablebaseState::EndOfList;
+        if (listEnds || types[i] == NoPiece) return listEnds && types[i] == NoPiece;
         if (squares[i] > 63 || types[i] > King) return false;
-        if (!pieces.add(static_cast<PieceType>(types[i]), squares[i])) return false;
+        if (!pieces.add(static_cast<PieceType>(types[i]), static_cast<Square64>(squares[i])))
+            return false;
     }
     return false;
 }
 
-/// An en-passant square belongs to a pawn that has just made its double step.
-bool isPossibleEpSquare(const egtb::Position& position, int ep) {
+/// A pawn of the other side can just have passed the square with a double step.
+bool isPossibleEpSquare(const egtb::Position& position, Square64 ep) {
     const bool isWhite = position.sideToMove == White;
-    if (ep < 0 || ep > 63 || rankOf64(ep) != (isWhite ? 5 : 2)) return false;
-    const int pawn = isWhite ? ep - 8 : ep + 8;
-    const int home = isWhite ? ep + 8 : ep - 8;
+    if (rankOf(ep) != (isWhite ? 5 : 2)) return false;
+    const Square64 pawn = isWhite ? ep - 8 : ep + 8;
+    const Square64 home = isWhite ? ep + 8 : ep - 8;
     if (position.occupied() & (maskOf(ep) | maskOf(home))) return false;
     const egtb::Position::Pieces& enemies = position.pieces[~position.sideToMove];
     for (int i = 1; i < enemies.count; ++i) {
@@ -45,7 +46,7 @@ bool isPossibleEpSquare(const egtb::Position& position, int ep) {
     return false;
 }
 
-/// False when the query is no legal position.
+/// False when the query is not a legal position.
 bool readQuery(const TablebaseState::Query& query, egtb::Position& position) {
     if (query.castlingRights != 0 || (query.sideToMove != White && query.sideToMove != Black)) {
         return false;
@@ -56,15 +57,17 @@ bool readQuery(const TablebaseState::Query& query, egtb::Position& position) {
     }
     position.sideToMove = static_cast<Colour>(query.sideToMove);
     if (!egtb::isWellFormed(position) || !egtb::isLegal(position)) return false;
-    return query.epSquare == egtb::NoEpSquare || isPossibleEpSquare(position, query.epSquare);
+    if (query.epSquare == TablebaseState::NoEpSquare) return true;
+    if (query.epSquare < 0 || query.epSquare > 63) return false;
+    return isPossibleEpSquare(position, static_cast<Square64>(query.epSquare));
 }
 
 }  // namespace
 
-/// Announces that the calling thread uses the tables, for as long as it lives. Whoever replaces
-/// them first stores the new pointer and then waits for the readers. In the one order of all
-/// sequentially consistent operations either the reader's entry comes before that wait, which then
-/// sees it, or the reader loads the pointer after the store.
+/// Keeps the tables from being deleted while it lives. `replace` first stores the new pointer and
+/// then waits until each stripe has no readers. All these operations are sequentially consistent,
+/// so they have one order: either the reader's increment precedes the wait, which then sees it, or
+/// the reader's load of the pointer follows the store.
 class TablebaseState::Reader {
   public:
     explicit Reader(const TablebaseState& state)
@@ -88,7 +91,7 @@ void TablebaseState::replace(const egtb::TableSet* next) noexcept {
     const egtb::TableSet* previous = current.exchange(next, std::memory_order_seq_cst);
     if (previous == nullptr) return;
     for (Stripe& stripe : stripes) {
-        // A probe takes microseconds, one that reads from disk milliseconds.
+        // A short wait: a probe takes microseconds, one that reads from disk milliseconds.
         while (stripe.readers.load(std::memory_order_seq_cst) != 0) {
             std::this_thread::yield();
         }
@@ -98,7 +101,7 @@ void TablebaseState::replace(const egtb::TableSet* next) noexcept {
 
 bool TablebaseState::initialise(const std::string& paths, std::size_t cacheBytes) noexcept {
     const std::lock_guard<std::mutex> lock(replacing);
-    // The old cache goes before the new one comes: both together might not fit.
+    // The old tables go first: there may be no memory for two caches.
     replace(nullptr);
     for (Stripe& stripe : stripes) {
         stripe.probes.store(0, std::memory_order_relaxed);
@@ -121,9 +124,11 @@ void TablebaseState::shutDown() noexcept {
 bool TablebaseState::probe(const Query& query,
                            bool mayReadDisk,
                            Outcome& outcome,
-                           unsigned& plies) const noexcept {
+                           unsigned& plies,
+                           bool* hasReadDisk) const noexcept {
     outcome = Unknown;
     plies = 0;
+    if (hasReadDisk) *hasReadDisk = false;
     egtb::Position position;
     const Reader reader(*this);
     if (reader.tables == nullptr) return false;
@@ -131,8 +136,12 @@ bool TablebaseState::probe(const Query& query,
     if (!readQuery(query, position)) return false;
     std::uint64_t diskReads = 0;
     const auto source = mayReadDisk ? egtb::TableSet::Source::Disk : egtb::TableSet::Source::Cache;
-    const int code = reader.tables->probe(position, query.epSquare, source, diskReads);
-    if (diskReads > 0) reader.stripe.diskReads.fetch_add(diskReads, std::memory_order_relaxed);
+    const int code =
+        reader.tables->probe(position, static_cast<Square64>(query.epSquare), source, diskReads);
+    if (diskReads > 0) {
+        reader.stripe.diskReads.fetch_add(diskReads, std::memory_order_relaxed);
+        if (hasReadDisk) *hasReadDisk = true;
+    }
     if (code < 0) return false;
     reader.stripe.found.fetch_add(1, std::memory_order_relaxed);
     if (code == egtb::DrawCode) {
@@ -157,11 +166,6 @@ TablebaseState::Statistics TablebaseState::statistics() const noexcept {
 std::string TablebaseState::takeNotice() {
     const Reader reader(*this);
     return reader.tables ? reader.tables->takeNotice() : std::string();
-}
-
-std::size_t TablebaseState::tableCount() const noexcept {
-    const Reader reader(*this);
-    return reader.tables ? reader.tables->tableCount() : 0;
 }
 
 }  // namespace vatro

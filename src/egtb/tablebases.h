@@ -1,7 +1,7 @@
-// src/egtb/tablebases.h - the endgame tablebases as the engine sees them.
+// egtb/tablebases.h - the endgame tablebases as the engine sees them.
 //
-// One TablebaseState lives as long as the search threads that hold a pointer to it. It is
-// re-initialised in place; a probe that is running then finishes on the tables it began with.
+// The search threads keep a pointer to one TablebaseState, which is re-initialised in place; a
+// running probe finishes with the tables it began with.
 #pragma once
 
 #include <array>
@@ -24,40 +24,43 @@ class TablebaseState {
     TablebaseState(const TablebaseState&) = delete;
     TablebaseState& operator=(const TablebaseState&) = delete;
 
-    /// Probes may find something. Any thread.
+    /// Tables are open, so probes may find something. Any thread.
     bool initialised() const noexcept { return current.load(std::memory_order_relaxed) != nullptr; }
 
-    /// Opens the tables in the directories of `paths`, separated by ';', in place of those open
-    /// before, with a cache of at most `cacheBytes` for their blocks (0: no cache). Statistics
-    /// start at zero. One thread at a time; other threads may be probing. False when there was no
-    /// memory for it: the tables are then shut down.
+    /// Closes the tables that are open and opens those in the directories of `paths`, separated by
+    /// ';', with a cache of at most `cacheBytes` for their blocks (0: no cache). Statistics start
+    /// at zero. Any thread, also while others probe. False when there was no memory for it: the
+    /// tables are then shut down.
     bool initialise(const std::string& paths, std::size_t cacheBytes) noexcept;
 
-    /// Closes the tables once no probe uses them any more. Like `initialise`.
+    /// Closes the tables, after the last probe that uses them. Any thread.
     void shutDown() noexcept;
 
-    static constexpr int NoSquare64 = 64;  // ends a list of squares; no en-passant square
+    static constexpr int NoEpSquare = 64;  // no capture en passant
+    static constexpr int EndOfList = 64;   // ends a list of squares
+    /// A position, in squares 0 to 63 (rank * 8 + file).
     struct Query {
-        int sideToMove = 0;           // 0 White, 1 Black
-        int epSquare = NoSquare64;    // rank * 8 + file, or NoSquare64
+        int sideToMove = 0;  // 0 White, 1 Black
+        int epSquare = NoEpSquare;
         unsigned castlingRights = 0;  // a position with any of them is not found
-        // A side's squares (rank * 8 + file), ended by NoSquare64, and the types of the pieces
-        // there in the same order (1 pawn to 6 king), ended by 0.
-        std::array<std::uint8_t, 6> whiteSquares{NoSquare64};
+        // A side's squares, up to EndOfList, and the types of the pieces there (1 pawn to 6 king)
+        // in the same order, up to 0.
+        std::array<std::uint8_t, 6> whiteSquares{EndOfList};
         std::array<std::uint8_t, 6> whiteTypes{};
-        std::array<std::uint8_t, 6> blackSquares{NoSquare64};
+        std::array<std::uint8_t, 6> blackSquares{EndOfList};
         std::array<std::uint8_t, 6> blackTypes{};
     };
     enum Outcome { Draw = 0, WhiteMates = 1, BlackMates = 2, Unknown = 3 };
 
     /// True when the position was found; `plies` is then the distance to mate, 0 for a draw or for
-    /// a mate on the board. False, with `outcome` Unknown, when it is illegal, has more pieces than
-    /// the tables, or has no usable table. Without `mayReadDisk` only the cache is asked. Any
-    /// thread.
+    /// a mate on the board. False, with `outcome` Unknown, when it is illegal or no table gives its
+    /// value. Without `mayReadDisk` only the cache is asked; `hasReadDisk` tells whether the probe
+    /// went beyond it. Any thread.
     bool probe(const Query& query,
                bool mayReadDisk,
                Outcome& outcome,
-               unsigned& plies) const noexcept;
+               unsigned& plies,
+               bool* hasReadDisk = nullptr) const noexcept;
 
     struct Statistics {
         std::uint64_t probes = 0;
@@ -67,18 +70,15 @@ class TablebaseState {
     /// Counted since the last initialisation. Any thread.
     Statistics statistics() const noexcept;
 
-    /// One line about files that could not be used, without a "# " or a line end; empty when there
-    /// is nothing new to say. Any thread.
+    /// One line, without "# " and line end, about files that could not be used; empty when there is
+    /// nothing new to say. Any thread.
     std::string takeNotice();
-
-    /// Tables that are open. Any thread.
-    std::size_t tableCount() const noexcept;
 
   private:
     class Reader;
 
-    /// Threads enter and leave on different lines, so that probing does not make them meet.
-    /// `readers` and the counters have many writers only when there are more threads than stripes.
+    /// Each thread counts in a stripe of its own, so that probes do not contend for a cache line.
+    /// With more threads than stripes some share one: hence the atomic additions.
     struct alignas(64) Stripe {
         std::atomic<std::uint32_t> readers{0};
         std::atomic<std::uint64_t> probes{0};

@@ -1,8 +1,8 @@
-// engine/command_line.cpp - applying the program's arguments.
+// engine/command_line.cpp - the program's arguments.
 #include "engine/command_line.h"
 
-#include "board/console.h"
-#include "engine/tokens.h"
+#include "base/console.h"
+#include "base/text.h"
 
 namespace vatro {
 

@@ -1,4 +1,4 @@
-// engine/command_line.h - the arguments of the program.
+// engine/command_line.h - the program's arguments.
 #pragma once
 
 #include <string>
@@ -8,7 +8,7 @@
 
 namespace vatro {
 
-/// Applies the arguments, without the program's name; complains about those it does not know.
+/// Applies the arguments, without the program's name; warns about those that it does not know.
 void applyCommandLine(const std::vector<std::string>& args, ChessPlayer& player);
 
 }  // namespace vatro

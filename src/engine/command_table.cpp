@@ -1,12 +1,9 @@
 // engine/command_table.cpp - the commands of the protocol and of the console.
 #include "engine/command_table.h"
 
-#include <algorithm>
-#include <iterator>
-
 namespace vatro {
 
-const CommandEntry* WBEngine::findCommand(std::string_view word) {
+std::span<const CommandEntry> WBEngine::commands() {
     // Word, handler, fewest and most arguments, whether a running search ends first.
     static constexpr CommandEntry commandTable[] = {
         {"quit", &WBEngine::cmdQuit, 0, 0, StopsSearch},
@@ -45,10 +42,7 @@ const CommandEntry* WBEngine::findCommand(std::string_view word) {
         {"norandgame", &WBEngine::cmdNoRandGame, 0, 0, KeepsSearch},
         {"randgames", &WBEngine::cmdRandGames, 1, 1, KeepsSearch},
     };
-    const auto* const found =
-        std::find_if(std::begin(commandTable), std::end(commandTable),
-                     [word](const CommandEntry& entry) { return entry.name == word; });
-    return found == std::end(commandTable) ? nullptr : found;
+    return commandTable;
 }
 
 }  // namespace vatro

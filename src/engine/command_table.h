@@ -5,16 +5,18 @@
 
 namespace vatro {
 
-enum class DuringSearch { Stops, Keeps };
-inline constexpr DuringSearch StopsSearch = DuringSearch::Stops;
-inline constexpr DuringSearch KeepsSearch = DuringSearch::Keeps;
+/// What a command does to a search that is running.
+enum DuringSearch {
+    StopsSearch,  // ends it, before the handler is called; its result is discarded
+    KeepsSearch,  // leaves it running: the handler changes only what may change meanwhile
+};
 
 struct CommandEntry {
     std::string_view name;
-    WBEngine::Handler handler;  // false makes the loop report the line as failed
+    WBEngine::Handler handler;  // false: the loop reports that the command has failed
     unsigned minArgs;
     unsigned maxArgs;
-    DuringSearch duringSearch;  // whether a running search ends first, its result discarded
+    DuringSearch duringSearch;
 };
 
 }  // namespace vatro

@@ -1,72 +1,41 @@
 // engine/configuration.cpp - reading the configuration file.
 //
-// A line longer than the buffer is taken in pieces, so a file of any size or content needs no more
-// memory than the buffer.
+// A line longer than the buffer is read as several lines, so that no file needs more memory than
+// the buffer, whatever it holds.
 #include "engine/configuration.h"
 
-#include <algorithm>
-#include <iterator>
-#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
 
-#include "board/console.h"
-#include "engine/setting_ranges.h"
-#include "engine/tokens.h"
+#include "base/console.h"
+#include "base/text.h"
+#include "engine/settings.h"
 
 namespace vatro {
 namespace {
 
-constexpr int LineBufferSize = 1024;  // bytes, with the closing zero
-constexpr int NoMaximum = std::numeric_limits<int>::max();
+constexpr int LineBufferSize = 1024;  // bytes, with the terminating zero; no derivation
 
-struct NumberKey {
-    std::string_view name;
-    NumberRange range;
-    void (*apply)(ChessPlayer&, unsigned);
-};
-
-constexpr NumberKey numberKeys[] = {
-    {"numberOfCores",
-     {1, NoMaximum},
-     [](ChessPlayer& player, unsigned cores) { player.setCores(cores); }},
-    {"ttHashSizeMB", hashSizeRange,
-     [](ChessPlayer& player, unsigned size) { player.ttHashSizeMB = size; }},
-    {"pawnHashSizeMB", hashSizeRange,
-     [](ChessPlayer& player, unsigned size) { player.pawnHashSizeMB = size; }},
-    {"gtbCacheSizeMB", cacheSizeRange,
-     [](ChessPlayer& player, unsigned size) { player.gtbCacheSizeMB = size; }},
-};
-
-void warnAboutRange(const NumberKey& key, const std::string& value) {
-    std::string bounds = "min = " + std::to_string(key.range.min);
-    if (key.range.max != NoMaximum) bounds += ", max = " + std::to_string(key.range.max);
-    say("# WARNING: " + std::string(key.name) + " = " + value + " out of range in ini file (" +
-        bounds + ")\n");
+std::string refusal(const Setting& setting, const std::string& value) {
+    const std::string name(setting.name);
+    if (setting.kind != Setting::Kind::Number) {
+        return "# WARNING: " + name + " too long in ini file\n";
+    }
+    std::string bounds = "min = " + std::to_string(setting.range.min);
+    if (setting.range.max != NumberRange::NoMaximum) {
+        bounds += ", max = " + std::to_string(setting.range.max);
+    }
+    return "# WARNING: " + name + " = " + value + " out of range in ini file (" + bounds + ")\n";
 }
 
 void applySetting(std::string_view name, const std::string& value, ChessPlayer& player) {
-    if (name == "gtbPath") {
-        player.gtbPath = value.substr(0, ChessPlayer::MaxPathLength);
-        return;
-    }
-    if (name == "bookFilePath") {
-        if (value.size() <= PolyglotBook::MaxPathLength) {
-            player.book.setPath(value);
-        } else {
-            say("# WARNING: bookFilePath too long in ini file\n");
-        }
-        return;
-    }
-    const auto* const key = std::find_if(std::begin(numberKeys), std::end(numberKeys),
-                                         [name](const NumberKey& row) { return row.name == name; });
-    if (key == std::end(numberKeys)) return;
-    const int number = readNumber(value);
-    if (key->range.contains(number)) {
-        key->apply(player, static_cast<unsigned>(number));
+    const Setting* const setting = findSetting(name);
+    if (!setting) return;
+    if (setting->accepts(value)) {
+        setting->load(player, value);
     } else {
-        warnAboutRange(*key, value);
+        say(refusal(*setting, value));
     }
 }
 

@@ -7,11 +7,11 @@
 
 namespace vatro {
 
-/// Applies the "key = value" lines of the file to the player's settings, before its first
-/// preparation. Unknown keys and lines without "=" are passed over, numbers out of range reported.
+/// Applies the "name = value" lines of the file to the player's settings, before its first
+/// preparation. Ignores unknown names and lines without "="; warns about values out of range.
 void readConfiguration(std::FILE* file, ChessPlayer& player);
 
-/// The same for a file by its name; one that cannot be opened is no configuration.
+/// The same for the file at `path`. Does nothing when it cannot be opened.
 void readConfiguration(const char* path, ChessPlayer& player);
 
 }  // namespace vatro

@@ -1,7 +1,7 @@
 // engine/engine_turn.cpp - the engine's part in the game: starting a search and making its move.
 #include <algorithm>
 
-#include "board/console.h"
+#include "base/console.h"
 #include "board/move_generation.h"
 #include "engine/wb_engine.h"
 
@@ -15,23 +15,57 @@ bool isLegalIn(const Board_0x88& board, Move move) {
                        [move](const ScoredMove& entry) { return entry.move == move; });
 }
 
+/// The protocol's claim of the result.
+const char* resultLine(GameResult result) {
+    switch (result) {
+        case GameResult::WhiteMates:
+            return "1-0 {White wins by checkmate}\n";
+        case GameResult::BlackMates:
+            return "0-1 {Black wins by checkmate}\n";
+        case GameResult::Stalemate:
+            return "1/2-1/2 {Stalemate}\n";
+        case GameResult::InsufficientMaterial:
+            return "1/2-1/2 {Draw by insufficient material}\n";
+        case GameResult::Open:
+            break;
+    }
+    return "";
+}
+
 }  // namespace
 
 void WBEngine::takeTurn() {
     if (engineColour != player.game.board.toMove()) return;
+    if (analyzeMode && positionAnalysed) return;  // a finished analysis would only be repeated
     if (player.game.isFull()) {
         say("Error (game too long): no further move can be recorded\n");
         endGame();
         return;
     }
     player.preparePlayer(false);
+    if (!player.isReady()) {
+        quitRequested = true;
+        return;
+    }
     moveMade = false;
+    positionAnalysed = analyzeMode;
     player.startSearch();
+}
+
+void WBEngine::checkForResult() {
+    if (!gameOver) {
+        const GameResult result = player.gameResult();
+        if (result == GameResult::Open) return;
+        gameOver = true;
+        say(resultLine(result));
+    }
+    endGame();
 }
 
 void WBEngine::endGame() {
     engineColour = NoColour;
     forceMode = true;
+    autoPlay = false;
 }
 
 void WBEngine::append(Move move) {
@@ -46,6 +80,7 @@ void WBEngine::printBoard() {
 
 void WBEngine::makeEngineMove(Move move) {
     const std::lock_guard held(gameMutex);
+    if (player.resultIsDiscarded()) return;
     // The other side may answer, and set our clock, as soon as it has seen the move.
     timeControl.stop();
     const std::string text = moveToText(move);
@@ -59,8 +94,7 @@ void WBEngine::makeEngineMove(Move move) {
     }
     say(report);
     printBoard();
-    if (!gameOver) gameOver = player.checkGameResult();
-    if (gameOver) endGame();
+    checkForResult();
     if (autoPlay) engineColour = player.game.board.toMove();
     moveMade = true;
 }

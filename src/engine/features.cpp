@@ -1,7 +1,7 @@
-// engine/features.cpp - what the engine tells an interface about itself.
-#include "board/console.h"
-#include "engine/setting_ranges.h"
-#include "engine/version.h"
+// engine/features.cpp - "protover": the features and options that the engine announces.
+#include "base/console.h"
+#include "base/version.h"
+#include "engine/settings.h"
 #include "engine/wb_engine.h"
 
 namespace vatro {
@@ -23,23 +23,26 @@ constexpr char fixedFeatures[] =
     "feature smp=1\n"
     "feature variants=\"normal\"\n";
 
-std::string spinOption(const char* name, unsigned value, NumberRange range) {
-    return formatted("feature option=\"%s -spin %u %d %d\"\n", name, value, range.min, range.max);
-}
-
-std::string pathOption(const char* name, const std::string& value) {
-    return formatted("feature option=\"%s -path %s\"\n", name, value.c_str());
+std::string optionLine(const Setting& setting, const ChessPlayer& player) {
+    std::string line = "feature option=\"" + std::string(setting.name);
+    if (setting.kind == Setting::Kind::Number) {
+        line += " -spin " + setting.value(player) + ' ' + std::to_string(setting.range.min) + ' ' +
+                std::to_string(setting.range.max);
+    } else {
+        line += " -path " + setting.value(player);
+    }
+    return line + "\"\n";
 }
 
 }  // namespace
 
-/// "protover N": features and options. "feature done=1" ends the wait that the banner asked for.
+/// "protover N". "feature done=1" ends the wait that "feature done=0" in the banner asked for.
 bool WBEngine::cmdProtover(const Args& /*args*/) {
-    write(fixedFeatures + spinOption("ttHashSizeMB", player.ttHashSizeMB, hashSizeRange) +
-          spinOption("pawnHashSizeMB", player.pawnHashSizeMB, hashSizeRange) +
-          spinOption("gtbCacheSizeMB", player.gtbCacheSizeMB, cacheSizeRange) +
-          pathOption("gtbPath", player.gtbPath) + pathOption("bookFilePath", player.book.path()) +
-          "feature myname=\"" + ProgramTitle + "\"\n");
+    std::string lines = fixedFeatures;
+    for (const Setting& setting : settings()) {
+        if (setting.isOption()) lines += optionLine(setting, player);
+    }
+    say(lines + "feature myname=\"" + ProgramTitle + "\"\n");
     player.preparePlayer(false);
     say("feature done=1\n");
     return true;

@@ -1,17 +1,18 @@
 // engine/game_commands.cpp - commands that change the game or the engine's role in it.
 //
-// Whether the engine has to move follows from `engineColour` alone; the loop looks at it after each
-// command.
+// They only set `engineColour` and the modes: the loop starts the engine's turn after the command
+// when the side to move is `engineColour`.
 #include <algorithm>
 
-#include "board/console.h"
+#include "base/console.h"
+#include "base/text.h"
 #include "board/move_generation.h"
 #include "engine/wb_engine.h"
 
 namespace vatro {
 namespace {
 
-/// The legal move that is written so, in letters of either case; NoMove when there is none.
+/// The legal move with this text, in letters of either case; NoMove when there is none.
 Move findLegalMove(const Board_0x88& board, std::string text) {
     std::transform(text.begin(), text.end(), text.begin(), [](char c) {
         return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -24,20 +25,11 @@ Move findLegalMove(const Board_0x88& board, std::string text) {
     return found == list.end() ? NoMove : found->move;
 }
 
-std::string joined(const WBEngine::Args& args) {
-    std::string text;
-    for (const std::string& arg : args) {
-        if (&arg != &args.front()) text += ' ';
-        text += arg;
-    }
-    return text;
-}
-
 constexpr char gameIsOverError[] = "Error (cannot make a move at end of game)\n";
 
 }  // namespace
 
-/// "new": a game from the start position, the engine plays Black; empties the tables.
+/// "new": a game from the start position with empty tables; the engine plays Black.
 bool WBEngine::cmdNew(const Args& /*args*/) {
     player.preparePlayer(true);
     const bool ready = player.game.setup(startPositionFEN);
@@ -56,6 +48,7 @@ bool WBEngine::cmdNew(const Args& /*args*/) {
     return ready;
 }
 
+/// "force": the engine plays neither side.
 bool WBEngine::cmdForce(const Args& /*args*/) {
     timeControl.stop();
     engineColour = NoColour;
@@ -64,49 +57,63 @@ bool WBEngine::cmdForce(const Args& /*args*/) {
     return true;
 }
 
+/// "go": the engine plays the side to move.
 bool WBEngine::cmdGo(const Args& /*args*/) {
     if (gameOver) {
         say(gameIsOverError);
         return false;
     }
     forceMode = false;
-    analyzeMode = false;
+    leaveAnalysis();
     engineColour = player.game.board.toMove();
     return true;
 }
 
+/// "playother": the engine plays the side that is not to move.
 bool WBEngine::cmdPlayOther(const Args& /*args*/) {
     forceMode = false;
-    analyzeMode = false;
+    leaveAnalysis();
     engineColour = ~player.game.board.toMove();
     return true;
 }
 
+/// "auto": the engine plays both sides.
 bool WBEngine::cmdAuto(const Args& args) {
     if (!args.empty()) return false;
     autoPlay = true;
     forceMode = false;
-    analyzeMode = false;
+    leaveAnalysis();
     engineColour = player.game.board.toMove();
     return true;
 }
 
+/// "analyze": the engine searches each position without limits and plays no move.
 bool WBEngine::cmdAnalyze(const Args& /*args*/) {
-    if (analyzeMode) return true;
-    analyzeMode = true;
-    timeControl.timed = false;
-    timeControl.depthLimited = false;
+    if (!analyzeMode) {
+        analyzeMode = true;
+        autoPlay = false;
+        timeControl.timed = false;
+        timeControl.depthLimited = false;
+    }
     engineColour = player.game.board.toMove();
     return true;
 }
 
+/// "exit": ends analysis.
 bool WBEngine::cmdExit(const Args& /*args*/) {
     if (!analyzeMode) return false;
-    analyzeMode = false;
-    timeControl.timed = true;
+    leaveAnalysis();
     timeControl.depthLimited = false;
     engineColour = NoColour;
     return true;
+}
+
+/// Whatever ends analysis leaves a game against the clock behind.
+void WBEngine::leaveAnalysis() {
+    if (!analyzeMode) return;
+    stopSearch();  // it has no other end, and "auto" lets a search run
+    analyzeMode = false;
+    timeControl.timed = true;
 }
 
 /// "usermove MOVE": the opponent's move, which the engine answers unless in force mode.
@@ -136,12 +143,19 @@ bool WBEngine::cmdUserMove(const Args& args) {
     return true;
 }
 
-/// "setboard FEN": a refused FEN leaves the position, but the engine stands back all the same.
+/// "setboard FEN": sets a position and, outside analysis, force mode. A refused FEN leaves the
+/// position but sets force mode all the same.
 bool WBEngine::cmdSetBoard(const Args& args) {
-    const std::string fen = joined(args);
+    const std::string fen = joinTokens(args, ' ');
     const bool accepted = Board_0x88().setupFromFEN(fen.c_str()) && player.game.setup(fen.c_str());
+    if (accepted) {
+        timeControl.restartGame();
+    } else if (xboardMode) {
+        say("tellusererror Illegal position\n");
+    }
     boardChanged = true;
     gameOver = false;
+    autoPlay = false;
     if (analyzeMode) {
         engineColour = player.game.board.toMove();
     } else {
@@ -151,6 +165,7 @@ bool WBEngine::cmdSetBoard(const Args& args) {
     return accepted;
 }
 
+/// "undo": takes back one move.
 bool WBEngine::cmdUndo(const Args& /*args*/) {
     if (player.game.plyCount < 1) return false;
     player.game.takeBack();
@@ -158,6 +173,7 @@ bool WBEngine::cmdUndo(const Args& /*args*/) {
     return true;
 }
 
+/// "remove": takes back two moves, one of each side.
 bool WBEngine::cmdRemove(const Args& /*args*/) {
     if (player.game.plyCount < 2) return false;
     player.game.takeBack();

@@ -1,7 +1,7 @@
-// engine/input_queue.h - the lines that have been read and wait for the command loop.
+// engine/input_queue.h - lines that have been read and wait for the command loop.
 //
-// The thread that reads fills it; the loop empties it and can be woken without a line. Whoever
-// still holds the queue may use it: the reading thread outlives the loop.
+// The reading thread fills the queue, the loop empties it. The search wakes the loop through it.
+// The reading thread may outlive the loop, so both share the queue's ownership.
 #pragma once
 
 #include <condition_variable>
@@ -11,9 +11,9 @@
 
 namespace vatro {
 
-/// A line without its line feed. Of one that is too long only the beginning is kept.
+/// A line without its line feed. Only the beginning of a line that is too long is kept.
 struct InputLine {
-    static constexpr std::size_t MaxLength = 1023;  // bytes; what an interface may send
+    static constexpr std::size_t MaxLength = 1023;  // bytes; a 1024-byte buffer less its zero
 
     std::string text;
     bool tooLong = false;
@@ -21,21 +21,22 @@ struct InputLine {
 
 class InputQueue {
   public:
-    /// Lines that wait at most: the other side is held back, not stored.
-    static constexpr std::size_t Capacity = 256;
+    /// Lines that may wait. Reading stops while the queue is full, so a fast sender costs no
+    /// memory.
+    static constexpr std::size_t Capacity = 256;  // no derivation
 
     enum class Event { Line, End, Woken };
 
-    /// Waits for a line, the end of input or a wake-up, in this order of urgency.
+    /// Waits for an event. Lines come first, then the end of input, then a wake-up.
     Event next(InputLine& line);
-    /// Makes the loop look at the game although no line has come.
+    /// Wakes the loop although no line has come. Any thread.
     void wake();
 
-    /// Adds a line, waits while the queue is full. False when nobody wants lines any more.
+    /// Adds a line; waits while the queue is full. False when the loop has ended.
     bool push(InputLine line);
-    /// No line follows.
+    /// The input has ended: no line follows.
     void close();
-    /// The loop has ended: nobody wants lines any more.
+    /// The loop has ended: no line is wanted any more.
     void abandon();
 
   private:

@@ -1,4 +1,4 @@
-// engine/input_reader.h - reading lines in a thread of its own.
+// engine/input_reader.h - reading lines in a separate thread.
 #pragma once
 
 #include <memory>
@@ -13,7 +13,7 @@ class LineSplitter {
   public:
     explicit LineSplitter(InputQueue& target) : queue(target) {}
 
-    /// False when nobody wants lines any more.
+    /// False when the loop has ended.
     bool feed(std::string_view bytes);
     /// Ends the stream; a last line needs no line feed.
     void finish();
@@ -26,9 +26,16 @@ class LineSplitter {
     bool started = false;  // a byte of the line has come
 };
 
-/// Reads lines from a file descriptor until its end, in a thread that nobody waits for: it may
-/// still sit in a read when the process ends. It therefore keeps clear of stdio, whose locks are
-/// taken at exit, and holds a share of the queue.
-void startInputReader(std::shared_ptr<InputQueue> queue, int fileDescriptor);
+/// Reads lines from a file descriptor until its end, in a detached thread, which may be blocked in
+/// a read when the process ends. So it shares the ownership of the queue and does not use stdio:
+/// exit() would wait for the lock that a blocked stdio read holds.
+///
+/// The input also ends when nobody reads the file descriptor `output` any more: a search that has
+/// nothing to print would not notice. (-1: not watched.)
+///
+/// False when the system gives no thread.
+[[nodiscard]] bool startInputReader(std::shared_ptr<InputQueue> queue,
+                                    int fileDescriptor,
+                                    int output = -1);
 
 }  // namespace vatro

@@ -1,89 +1,51 @@
 // engine/options.cpp - settings that an interface or a user changes while the engine runs.
 #include <algorithm>
-#include <iterator>
 
-#include "board/console.h"
-#include "engine/setting_ranges.h"
-#include "engine/tokens.h"
+#include "base/console.h"
+#include "base/text.h"
+#include "engine/settings.h"
+#include "engine/unlocked.h"
 #include "engine/wb_engine.h"
 
 namespace vatro {
 namespace {
 
-struct NumberOption {
-    std::string_view name;
-    NumberRange range;
-    bool (*apply)(ChessPlayer&, unsigned);
-};
-
-constexpr NumberOption numberOptions[] = {
-    {"ttHashSizeMB", hashSizeRange,
-     [](ChessPlayer& player, unsigned size) { return player.setTTHashSize(size); }},
-    {"pawnHashSizeMB", hashSizeRange,
-     [](ChessPlayer& player, unsigned size) { return player.setPawnHashSize(size); }},
-    {"gtbCacheSizeMB", cacheSizeRange,
-     [](ChessPlayer& player, unsigned size) {
-         player.gtbCacheSizeMB = size;
-         player.initTablebases();
-         return true;
-     }},
-};
-
-struct PathOption {
-    std::string_view name;
-    std::size_t maxLength;  // a longer path is refused
-    void (*apply)(ChessPlayer&, const std::string&);
-};
-
-constexpr PathOption pathOptions[] = {
-    {"gtbPath",
-     std::string::npos,  // cut by the player
-     [](ChessPlayer& player, const std::string& path) { player.initTablebases(path); }},
-    {"bookFilePath", PolyglotBook::MaxPathLength,
-     [](ChessPlayer& player, const std::string& path) { player.book.setPath(path); }},
-};
-
-template <typename Table>
-auto find(const Table& table, std::string_view name) {
-    const auto* const found = std::find_if(std::begin(table), std::end(table),
-                                           [name](const auto& row) { return row.name == name; });
-    return found == std::end(table) ? nullptr : found;
-}
-
-bool refuse(const std::string& name, const std::string& value) {
-    say("Error (illegal value for '" + name + "' option): " + value + '\n');
-    return false;
-}
-
-void confirm(const std::string& name, const std::string& value) {
-    say("# setting option: " + name + '=' + value + '\n');
+/// Why a value is refused; empty when it is not. An empty path is accepted: no book, no tables.
+/// Only a number out of range is called illegal: interfaces take an error with that word for a
+/// claim about a move, and never send such a number.
+std::string faultOf(const Setting& setting, const std::string& value) {
+    const std::string option = '\'' + std::string(setting.name) + "' option)";
+    if (setting.kind != Setting::Kind::Number) {
+        return setting.accepts(value) ? "" : "path too long for " + option + ": " + value;
+    }
+    if (value.empty()) return "missing value for " + option;
+    return setting.accepts(value) ? "" : "illegal value for " + option + ": " + value;
 }
 
 }  // namespace
 
-/// "option NAME=VALUE".
+/// "option NAME=VALUE": sets an option. What follows a second "=" is ignored.
 bool WBEngine::cmdOption(const Args& args) {
     std::vector<std::string> tokens = splitTokens(args[0], '=');
     tokens.resize(std::max<std::size_t>(tokens.size(), 2));
     const std::string& name = tokens[0];
     const std::string& value = tokens[1];
-    if (const NumberOption* const option = find(numberOptions, name)) {
-        const int number = readNumber(value);
-        if (value.empty() || !option->range.contains(number)) return refuse(name, value);
-        confirm(name, std::to_string(number));
-        return option->apply(player, static_cast<unsigned>(number));
+    const Setting* const setting = findSetting(name);
+    if (!setting || !setting->isOption()) {
+        say("Error (unknown option name): " + name + '\n');
+        return false;
     }
-    if (const PathOption* const option = find(pathOptions, name)) {
-        if (value.empty() || value.size() > option->maxLength) return refuse(name, value);
-        confirm(name, value);
-        option->apply(player, value);
-        return true;
+    if (const std::string fault = faultOf(*setting, value); !fault.empty()) {
+        say("Error (" + fault + '\n');
+        return false;
     }
-    say("Error (unknown option name): " + name + '\n');
-    return false;
+    say("# setting option: " + name + '=' + setting->normalised(value) + '\n');
+    // Loading files takes time: a running search may make its move meanwhile.
+    const Unlocked free(gameLock);
+    return setting->change(player, value);
 }
 
-/// "cores N": threads for the next search.
+/// "cores N": search threads, from the next search on.
 bool WBEngine::cmdCores(const Args& args) {
     const int cores = readNumber(args[0]);
     if (cores < 1) return false;
@@ -91,7 +53,7 @@ bool WBEngine::cmdCores(const Args& args) {
     return true;
 }
 
-/// "egtpath TYPE PATH": where the endgame tablebases are.
+/// "egtpath TYPE PATH": opens the endgame tablebases; the only type is "gaviota".
 bool WBEngine::cmdEgtPath(const Args& args) {
     const std::string& type = args[0];
     const std::string& path = args[1];
@@ -100,6 +62,7 @@ bool WBEngine::cmdEgtPath(const Args& args) {
         return false;
     }
     say("# initializing TB: type=" + type + " path=" + path + '\n');
+    const Unlocked free(gameLock);  // as in cmdOption
     player.initTablebases(path);
     return true;
 }

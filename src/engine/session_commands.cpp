@@ -1,6 +1,6 @@
-// engine/session_commands.cpp - commands about the conversation and the engine's habits.
-#include "board/console.h"
-#include "engine/tokens.h"
+// engine/session_commands.cpp - commands about the session and switches that hold until changed.
+#include "base/console.h"
+#include "base/text.h"
 #include "engine/wb_engine.h"
 
 namespace vatro {
@@ -10,7 +10,7 @@ bool WBEngine::cmdQuit(const Args& /*args*/) {
     return true;
 }
 
-/// "xboard": an interface takes over; no prompt from here on.
+/// "xboard": an interface is connected; no prompts from here on.
 bool WBEngine::cmdXboard(const Args& /*args*/) {
     say("\n");
     xboardMode = true;

@@ -1,22 +1,24 @@
-// engine/start_up.cpp - from the program's start to its first prompt, and its end.
+// engine/start_up.cpp - the start of the program, up to the command loop, and its end.
 //
-// Nothing here may take long: an interface waits for the answer to "protover".
+// The start must be quick: an interface waits only seconds for the answer to "protover".
 #include <chrono>
 #include <cstdlib>
 
-#include "board/console.h"
+#include "base/console.h"
+#include "base/version.h"
 #include "engine/command_line.h"
 #include "engine/configuration.h"
 #include "engine/input_reader.h"
-#include "engine/version.h"
 #include "engine/wb_engine.h"
 
 namespace vatro {
 namespace {
 
-constexpr int StandardInput = 0;  // file descriptor; fixed by POSIX, and by the C library elsewhere
+// File descriptors; fixed by POSIX and by Windows' C library.
+constexpr int StandardInput = 0;
+constexpr int StandardOutput = 1;
 
-/// Seeds the draws of random games, of random positions and of the book: differently in every run.
+/// Random games, random positions and the choice of book moves differ from run to run.
 void seedRandomGenerator() {
     using std::chrono::milliseconds;
     const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
@@ -39,7 +41,7 @@ void printBanner() {
 WBEngine::WBEngine()
     : input(std::make_shared<InputQueue>()),
       gameLock(gameMutex, std::defer_lock),
-      player(timeControl, this) {}
+      player(timeControl, reporter, this) {}
 
 WBEngine::~WBEngine() {
     player.stopSearch();
@@ -48,10 +50,14 @@ WBEngine::~WBEngine() {
 
 int WBEngine::run(const Args& commandLine) {
     setUpConsole();
+    // Before the tables, which can do with less memory than its stack.
+    if (!startInputReader(input, StandardInput, StandardOutput)) {
+        say("# ERROR: no thread for the input\n");
+        return EXIT_FAILURE;
+    }
     startUp(commandLine);
-    startInputReader(input, StandardInput);
-    runCommandLoop();
-    return EXIT_SUCCESS;
+    if (player.isReady()) runCommandLoop();
+    return player.isReady() ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 void WBEngine::startUp(const Args& commandLine) {
@@ -60,7 +66,7 @@ void WBEngine::startUp(const Args& commandLine) {
     printBanner();
     applyCommandLine(commandLine, player);
     player.preparePlayer(false);
-    if (!player.game.setup(startPositionFEN)) std::abort();  // it is a constant
+    if (!player.game.setup(startPositionFEN)) std::abort();  // never: the FEN is a constant
     player.outOfBook = false;
     boardChanged = true;
 }

@@ -1,7 +1,7 @@
-// engine/time_commands.cpp - commands that bound the search.
+// engine/time_commands.cpp - commands that limit the search.
 //
-// The time control's arithmetic is unsigned and wraps; see search/time_control.cpp.
-#include "engine/tokens.h"
+// The time control's arithmetic is unsigned and wraps, as in search/time_control.cpp.
+#include "base/text.h"
 #include "engine/wb_engine.h"
 
 namespace vatro {
@@ -13,8 +13,8 @@ std::uint32_t readUnsigned(std::string_view text) {
 
 }  // namespace
 
-/// "level MPS BASE INC": moves per session (0: the whole game), minutes or minutes:seconds for it,
-/// seconds added per move.
+/// "level MPS BASE INC": moves per session (0: the whole game), its time in minutes or
+/// minutes:seconds, seconds added per move.
 bool WBEngine::cmdLevel(const Args& args) {
     const std::vector<std::string> base = splitTokens(args[1], ':');
     if (base.empty() || base.size() > 2) return false;
@@ -23,10 +23,11 @@ bool WBEngine::cmdLevel(const Args& args) {
     timeControl.movesPerSession = readUnsigned(args[0]);
     timeControl.baseTime = (minutes * 60 + seconds) * 100;
     timeControl.increment = readUnsigned(args[2]) * 100;
+    timeControl.forgetTimeLeft();
     return true;
 }
 
-/// "sd DEPTH": no iteration goes deeper.
+/// "sd DEPTH": the depth of the last iteration.
 bool WBEngine::cmdSd(const Args& args) {
     const int depth = readNumber(args[0]);
     if (depth < 0) return false;
@@ -35,14 +36,9 @@ bool WBEngine::cmdSd(const Args& args) {
     return true;
 }
 
-/// "time CENTISECONDS": what the engine's clock shows. Turned into the time used so far.
+/// "time CENTISECONDS": what is left on the engine's clock.
 bool WBEngine::cmdTime(const Args& args) {
-    const std::uint32_t moveNumber = player.game.plyCount / 2 + 1;
-    const std::uint32_t perSession = timeControl.movesPerSession;
-    const std::uint32_t sessions =
-        perSession == 0 ? 1 : moveNumber / perSession + (moveNumber % perSession != 0 ? 1 : 0);
-    timeControl.timeUsed = sessions * timeControl.baseTime + moveNumber * timeControl.increment -
-                           readUnsigned(args[0]);
+    player.setTimeLeft(readNumber(args[0]));
     return true;
 }
 

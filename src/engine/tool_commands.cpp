@@ -1,6 +1,6 @@
-// engine/tool_commands.cpp - commands that check the engine, look into it or play at random.
-#include "board/console.h"
-#include "engine/tokens.h"
+// engine/tool_commands.cpp - commands that test the engine, show its evaluation or play at random.
+#include "base/console.h"
+#include "base/text.h"
 #include "engine/wb_engine.h"
 #include "eval/print_evaluation.h"
 #include "tools/perft.h"
@@ -12,32 +12,30 @@
 namespace vatro {
 namespace {
 
-using Counter = std::uint64_t (*)(Board_0x88&, unsigned, PerftHashTable&, std::uint64_t&);
+using PerftFunction = std::uint64_t (*)(Board_0x88&, unsigned, PerftHashTable&, std::uint64_t&);
 
-/// Counts with the engine's clock and prints the totals. False for a depth that cannot be counted.
+/// Counts and prints the totals. False when the depth is out of range
+/// or there is no memory for the table.
 bool runPerft(const std::string& depthText,
-              Counter counter,
+              PerftFunction count,
               const char* prefix,
               Board_0x88& board,
-              PerftHashTable& table,
-              TimeControl& clock) {
+              PerftHashTable& table) {
     const int depth = readNumber(depthText);
     if (depth < 1) return false;
     if (static_cast<unsigned>(depth) > MaxPerftDepth) {
         say("# ERROR: depth above " + std::to_string(MaxPerftDepth) + '\n');
         return false;
     }
-    clock.restart();
+    const std::uint32_t start = clockNow();
     if (!table.prepare()) {
-        clock.stop();
         say("# ERROR: no memory for the perft hash\n");
         return false;
     }
     preparePerftKeys(board);
     PerftTotals totals{};
-    totals.leaves = counter(board, static_cast<unsigned>(depth), table, totals.nodes);
-    clock.stop();
-    totals.elapsedCs = clock.timeUsed - clock.searchStart;
+    totals.leaves = count(board, static_cast<unsigned>(depth), table, totals.nodes);
+    totals.elapsedCs = clockNow() - start;
     totals.hashFullPercentage = table.fillPercentage();
     say(perftTotalsText(totals, prefix));
     return true;
@@ -45,40 +43,45 @@ bool runPerft(const std::string& depthText,
 
 }  // namespace
 
+/// "perft DEPTH": leaves of the move tree.
 bool WBEngine::cmdPerft(const Args& args) {
-    return runPerft(args[0], &perftCount, "# ", player.game.board, perftHash, timeControl);
+    return runPerft(args[0], &perftCount, "# ", player.game.board, perftHash);
 }
 
+/// "divide DEPTH": leaves of the move tree below each move.
 bool WBEngine::cmdDivide(const Args& args) {
-    return runPerft(args[0], &divideRoot, "", player.game.board, perftHash, timeControl);
+    return runPerft(args[0], &divideRoot, "", player.game.board, perftHash);
 }
 
+/// "selftest": counts positions with known results, then starts a new game.
 bool WBEngine::cmdSelfTest(const Args& /*args*/) {
-    const bool run = runSelfTest(player.game.board, perftHash);
-    if (!run) say("# ERROR: no memory for the perft hash\n");
-    return cmdNew({}) && run;
+    const bool hasRun = runSelfTest(player.game.board, perftHash);
+    if (!hasRun) say("# ERROR: no memory for the perft hash\n");
+    return cmdNew({}) && hasRun;
 }
 
-/// "test [FILE]": loads every position of the file; a new game in any case.
+/// "test [FILE]": loads every position of the file, then starts a new game.
 bool WBEngine::cmdTest(const Args& args) {
     if (!args.empty() && !runPositionFileTest(player.game.board, args[0].c_str())) return false;
     return cmdNew({});
 }
 
+/// "eval": the evaluation of the position, term by term.
 bool WBEngine::cmdEval(const Args& /*args*/) {
+    player.tablesUsed = true;
     say(evaluationText(player.game.board, player.pawnHashTable));
     return true;
 }
 
-/// "tune": kept for scripts that send it; there is nothing to tune.
+/// "tune": does nothing; kept for scripts that send it.
 bool WBEngine::cmdTune(const Args& /*args*/) { return true; }
 
-/// "randpos [N [FILE]]": random positions as FENs, then a new game.
+/// "randpos [N [FILE]]": writes random positions as FENs, then starts a new game.
 bool WBEngine::cmdRandPos(const Args& args) {
     autoPlay = false;
     engineColour = NoColour;
     forceMode = true;
-    analyzeMode = false;
+    leaveAnalysis();
     if (args.empty()) {
         printBoard();
         say(randomPositionFEN() + '\n');
@@ -90,15 +93,16 @@ bool WBEngine::cmdRandPos(const Args& args) {
     return cmdNew({});
 }
 
-/// "randgames N": statistics over random games, played on the game board: a search that runs is
-/// stopped and its result discarded.
+/// "randgames N": statistics of random games. They are played on the game board, so a valid N ends
+/// a running search, although the command's row lets it run.
 bool WBEngine::cmdRandGames(const Args& args) {
     const int games = readNumber(args[0]);
     if (games < 1) return false;
     stopSearch();
-    const bool before = player.randomMoves.exchange(true);
+    const bool hadRandomMoves = player.randomMoves.exchange(true);
     playRandomGames(player.game, static_cast<unsigned long>(games));
-    player.randomMoves = before;
+    player.randomMoves = hadRandomMoves;
+    gameOver = false;  // the start position is on the board
     return true;
 }
 

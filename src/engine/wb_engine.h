@@ -1,19 +1,20 @@
 // engine/wb_engine.h - the engine as a chess interface sees it: commands in, moves out.
 //
-// The main thread runs the command loop. Search thread 0 comes in by makeEngineMove and
-// searchEnded. The loop holds `gameMutex` while it works on the game, but never while it waits for
-// input or for the search to end: the search may be waiting for the mutex to make its move.
+// The main thread runs the command loop; search thread 0 calls makeEngineMove and searchEnded. The
+// loop holds `gameMutex` while it works on the game, but never while it waits for input or for the
+// search to end: the search may be waiting for the mutex to make its move.
 #pragma once
 
 #include <atomic>
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "engine/input_queue.h"
+#include "engine/winboard_reporter.h"
 #include "search/chess_player.h"
 #include "search/time_control.h"
 #include "tools/perft_hash.h"
@@ -30,15 +31,17 @@ class WBEngine final : public EngineInterface {
     WBEngine();
     ~WBEngine() override;
 
-    /// Runs the program on standard input and output. Gives its exit status.
+    /// Runs the program on standard input and output and returns its exit status.
     int run(const Args& commandLine);
 
-    /// Applies the configuration and sets up the first game.
+    /// Reads `vatro.ini` and the command line and sets up the first game.
     void startUp(const Args& commandLine);
-    /// Obeys the lines of the input queue until "quit" or the end of input.
+    /// Runs the commands of the input queue until "quit" or the end of input.
     void runCommandLoop();
     /// Where the command loop takes its lines from.
     InputQueue& inputQueue() { return *input; }
+    /// All commands. Include engine/command_table.h to read them.
+    static std::span<const CommandEntry> commands();
 
     // --- Search thread 0 ---
 
@@ -46,22 +49,28 @@ class WBEngine final : public EngineInterface {
     void searchEnded() override;
 
   private:
-    static const CommandEntry* findCommand(std::string_view word);
-
-    // --- The loop. Its thread holds no lock between these. ---
+    // --- The loop's steps. Each takes `gameMutex` itself if it needs it. ---
     void showPrompt();
-    void obey(const InputLine& line);
-    void goOnInAutoPlay();
-    void finishAtEndOfInput();
+    void handleLine(const InputLine& line);
+    void continueAutoPlay();
+    void handleEndOfInput();
 
-    // --- Under the lock ---
-    void execute(const std::string& line);
+    // --- With `gameMutex` held ---
+    void runCommand(const std::string& line);
+    /// False when the number of arguments is wrong (reported) or the command fails.
     bool checkAndRun(const CommandEntry& entry, const Args& args, const std::string& line);
-    void endPass();
+    /// Between searches: looks for the end of the game and starts the engine's turn.
+    void continueGame();
     void takeTurn();
+    void leaveAnalysis();
+    /// Prints the result line once the rules have ended the game; the engine then stands back.
+    void checkForResult();
+    /// The engine plays no side from here on.
     void endGame();
+    /// Ends a running search, whose result is discarded. Releases the mutex while it waits.
     void stopSearch();
     void printBoard();
+    /// Plays a legal move in the game.
     void append(Move move);
     void finishTakingBack();
 
@@ -109,14 +118,16 @@ class WBEngine final : public EngineInterface {
     std::unique_lock<std::mutex> gameLock;  // the main thread's hold on it
     Colour engineColour = NoColour;         // the side that the engine plays
     bool gameOver = false;
-    bool forceMode = false;    // the engine only records moves
-    bool boardChanged = true;  // since it was last printed
-    bool xboardMode = false;   // an interface talks, not a user
-    bool analyzeMode = false;  // the engine only looks at positions
-    bool autoPlay = false;     // the engine plays both sides
+    bool forceMode = false;         // the engine only records moves
+    bool boardChanged = true;       // since it was last printed
+    bool xboardMode = false;        // an interface is connected: no prompts
+    bool positionAnalysed = false;  // by a search without limits, which runs or has ended by itself
+    bool analyzeMode = false;       // the engine searches every position and plays nothing
+    bool autoPlay = false;          // the engine plays both sides
     bool quitRequested = false;
-    std::atomic<bool> moveMade{false};  // by the latest search; an end without a move wakes nobody
+    std::atomic<bool> moveMade{false};  // by the latest search; one that made none wakes nobody
 
+    WinBoardReporter reporter;
     ChessPlayer player;  // destroyed first: its threads use the fields above
 };
 

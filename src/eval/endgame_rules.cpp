@@ -29,16 +29,12 @@ constexpr int QueenAgainstFarPawn = 25;
 constexpr SquareMask squares(std::initializer_list<Square> list) {
     SquareMask mask = 0;
     for (const Square square : list) {
-        mask |= maskOf(toSq64(square));
+        mask |= maskOf(square);
     }
     return mask;
 }
 
-constexpr Square A2 = 0x10;
-constexpr Square B2 = 0x11;
-constexpr Square C2 = 0x12;
-constexpr Square D2 = 0x13;
-// Where its king stands well enough to help the pawn that is about to promote on rank 1.
+// From these squares the king helps its pawn, which is about to promote on rank 1.
 constexpr SquareMask helpsRookPawn = squares({A1, B1, B2});
 constexpr SquareMask helpsBishopPawn = squares({B1, C1, D1, B2, D2});
 
@@ -46,28 +42,30 @@ constexpr SquareMask helpsBishopPawn = squares({B1, C1, D1, B2, D2});
 template <Colour Us>
 int bishopAndPawnScale(const Board_0x88& board) {
     constexpr Colour Them = Side<Us>::Them;
-    const int file = fileOf64(lowestSquare(board.pieceMask[Us][Pawn]));
+    const int file = fileOf(lowestSquare(board.pieceMask[Us][Pawn]));
     if (file != 0 && file != 7) return FullScale;
-    const Square corner = Side<Them>::home(static_cast<Square>(file));
-    // The mask finds the one bishop wherever it stands in the piece list; a promoted one may stand
-    // behind the pawn there.
-    const Square bishop = toSquare(lowestSquare(board.pieceMask[Us][Bishop]));
+    const Square64 corner = as64(Side<Them>::home(squareAt(file, 0)));
+    // Found by its mask, since a promoted bishop may stand behind the pawn in the piece list.
+    const Square64 bishop = lowestSquare(board.pieceMask[Us][Bishop]);
     if (squareColour(bishop) == squareColour(corner)) return FullScale;
-    const int distance = kingDistance(toSq64(board.kingSquare(Them)), toSq64(corner));
-    return distance < 2 ? WrongBishopDrawn : WrongBishop;
+    const int distance = kingDistance(as64(board.kingSquare(Them)), corner);
+    return distance <= 1 ? WrongBishopDrawn : WrongBishop;
 }
 
-/// Queen against a pawn of `Us` that is one step from promotion on a rook or bishop file.
+/// Queen against a pawn of `Us`: hard when it is a rook or bishop pawn one step from promotion.
 template <Colour Us>
 int queenAgainstPawnScale(const Board_0x88& board) {
     // Turned so that the pawn promotes on rank 1, on one of the files a to d.
-    constexpr int Ranks = Us == White ? 56 : 0;
-    const int pawnSquare = lowestSquare(board.pieceMask[Us][Pawn]);
-    const int files = fileOf64(pawnSquare) > 3 ? 7 : 0;
-    const int pawn = pawnSquare ^ Ranks ^ files;
-    const SquareMask king = maskOf(toSq64(board.kingSquare(Us)) ^ Ranks ^ files);
-    const bool helped = (pawn == toSq64(A2) && (king & helpsRookPawn)) ||
-                        (pawn == toSq64(C2) && (king & helpsBishopPawn));
+    const Square64 pawnSquare = lowestSquare(board.pieceMask[Us][Pawn]);
+    const bool onKingSide = fileOf(pawnSquare) > 3;
+    const auto turned = [onKingSide](Square64 square) {
+        if (Us == White) square = mirrorRanks(square);
+        return onKingSide ? mirrorFiles(square) : square;
+    };
+    const Square64 pawn = turned(pawnSquare);
+    const SquareMask king = maskOf(turned(as64(board.kingSquare(Us))));
+    const bool helped = (pawn == as64(A2) && (king & helpsRookPawn)) ||
+                        (pawn == as64(C2) && (king & helpsBishopPawn));
     return helped ? QueenAgainstFarPawn : FullScale;
 }
 
@@ -92,7 +90,7 @@ int ruleFor(const Board_0x88& board) {
 
 int endgameRule(const Board_0x88& board) {
     if (board.totalCount() != EndgamePieces) return FullScale;
-    // No two rules, nor one for both sides, can hold at once.
+    // At most one rule applies, and to one side.
     return std::min(ruleFor<White>(board), ruleFor<Black>(board));
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "base/counter.h"
 #include "board/board.h"
 #include "eval/breakdown.h"
 #include "eval/endgame_rules.h"
@@ -11,10 +12,11 @@
 
 namespace vatro {
 
-/// What the evaluations of one thread keep; the scores do not depend on it.
+/// What a thread keeps from one evaluation to the next. It saves time only: scores do not depend on
+/// it.
 struct EvalMemory {
-    PawnHashTable& pawnHash;      // shared by all threads; must have memory
-    std::uint64_t& pawnHashHits;  // counted here
+    PawnHashTable& pawnHash;  // shared by all threads; must have memory
+    Counter& pawnHashHits;    // counted here
     MaterialTable materials = {};
 };
 

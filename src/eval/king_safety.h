@@ -7,7 +7,6 @@
 
 #include "board/board.h"
 #include "board/side.h"
-#include "board/sliding_attacks.h"
 #include "eval/pawn_masks.h"
 #include "eval/score_sum.h"
 
@@ -22,22 +21,22 @@ constexpr ScoreSum openKingFile{-35, -9};
 constexpr ScoreSum openFileBesideKing{-8, -11};
 constexpr int MaxHeavyPieces = 2;
 
-/// Bits 0-2: own pawns one rank ahead of the king, on the file before, on and after its own; bits
-/// 3-5 two ranks ahead. A missing file or rank counts as covered; all are for a king on its last
-/// two ranks.
+/// Bits 0-2: own pawns one rank ahead of the king, on the file to its left (towards a), its own and
+/// the one to its right; bits 3-5 the same two ranks ahead. Beyond the edges all counts as covered,
+/// and for a king on the last two ranks everything does.
 template <Colour Us>
-unsigned shelterIndex(SquareMask pawns, int kingSq64) {
-    constexpr unsigned beforeKing = 0b001001;
-    constexpr unsigned afterKing = 0b100100;
+unsigned shelterIndex(SquareMask pawns, Square64 kingSquare) {
+    constexpr unsigned leftFile = 0b001001;
+    constexpr unsigned rightFile = 0b100100;
     constexpr unsigned twoAhead = 0b111000;
-    const int rank = Side<Us>::relativeRank(rankOf64(kingSq64));
-    if (rank >= 6) return 63;
+    const int rank = Side<Us>::relativeRank(rankOf(kingSquare));
+    if (rank >= 6) return 0b111111;
     const SquareMask ranks = Us == White ? pawns : mirrorRanks(pawns);
-    const int king = Us == White ? kingSq64 : kingSq64 ^ 56;
-    // On the edge files a neighbour bit comes from another rank; it is set below anyhow.
+    const Square64 king = Us == White ? kingSquare : mirrorRanks(kingSquare);
+    // On the edge files a neighbour bit comes from another rank, but it is set below in any case.
     unsigned index = ((ranks >> (king + 7)) & 7) | (((ranks >> (king + 15)) & 7) << 3);
-    if (fileOf64(king) == 0) index |= beforeKing;
-    if (fileOf64(king) == 7) index |= afterKing;
+    if (fileOf(king) == 0) index |= leftFile;
+    if (fileOf(king) == 7) index |= rightFile;
     if (rank == 5) index |= twoAhead;
     return index;
 }
@@ -45,11 +44,11 @@ unsigned shelterIndex(SquareMask pawns, int kingSq64) {
 template <Colour Us>
 ScoreSum kingSafetyTerms(const Board_0x88& board, unsigned openFiles) {
     if (!board.hasKing(Us)) return {};
-    const int king = toSq64(board.kingSquare(Us));
+    const Square64 king = as64(board.kingSquare(Us));
     const int gaps = kingShelterTable[shelterIndex<Us>(board.pieceMask[Us][Pawn], king)];
     constexpr Colour Them = Side<Us>::Them;
     const int heavy = std::min(MaxHeavyPieces, board.count(Them, Rook) + board.count(Them, Queen));
-    const unsigned kingFile = 1U << fileOf64(king);
+    const unsigned kingFile = 1U << fileOf(king);
     const int onFile = countSquares(openFiles & kingFile);
     const int besideFile = countSquares(openFiles & filesBeside(kingFile));
     return gaps * shelterGap + heavy * (onFile * openKingFile + besideFile * openFileBesideKing);

@@ -1,6 +1,6 @@
 // eval/material.h - piece counts, game phase, material values, and who can still win.
 //
-// The first thing that every evaluation needs, and nearly always the same as in one of the last.
+// Every evaluation begins with it. As it rarely changes, each thread keeps what it has computed.
 #pragma once
 
 #include <algorithm>
@@ -26,9 +26,10 @@ constexpr ScoreSum knightValue{424, 376};
 constexpr ScoreSum bishopValue{402, 403};
 constexpr ScoreSum rookValue{621, 594};
 constexpr ScoreSum queenValue{1220, 1223};
-constexpr ScoreSum bishopPairBonus{42, 69};     // more than one bishop, on whatever squares
-constexpr ScoreSum knightPerExtraPawn{7, 6};    // for each own pawn above five; below five the
-constexpr ScoreSum rookPerExtraPawn{-15, -12};  // signs turn
+constexpr ScoreSum bishopPairBonus{42, 69};  // more than one bishop, on whatever squares
+// For each own pawn above UsualPawns; taken away for each pawn below.
+constexpr ScoreSum knightPerExtraPawn{7, 6};
+constexpr ScoreSum rookPerExtraPawn{-15, -12};
 constexpr int UsualPawns = 5;
 
 /// Whether a colour still has mating material: a pawn, a rook or a queen; three minor pieces, or
@@ -42,7 +43,7 @@ inline bool canMate(const Board_0x88& board, Colour colour) {
     return minors >= 3 || (minors == 2 && bishops >= 1);
 }
 
-/// What goes beyond the plain values of a colour's pieces.
+/// What a colour's pieces are worth together beyond their single values.
 inline ScoreSum materialAdjustment(const Board_0x88& board, Colour colour) {
     const ScoreSum perExtraPawn = board.count(colour, Knight) * knightPerExtraPawn +
                                   board.count(colour, Rook) * rookPerExtraPawn;
@@ -57,7 +58,8 @@ inline MaterialInfo computeMaterial(const Board_0x88& board) {
     const auto lead = [&](PieceType type) {
         return board.count(White, type) - board.count(Black, type);
     };
-    const int phase = both(Knight) + both(Bishop) + 2 * both(Rook) + 4 * both(Queen);
+    const int phase =
+        both(Knight) + both(Bishop) + 2 * both(Rook) + 4 * both(Queen);  // usual weights
     const ScoreSum material = lead(Pawn) * pawnValue + lead(Knight) * knightValue +
                               lead(Bishop) * bishopValue + lead(Rook) * rookValue +
                               lead(Queen) * queenValue + materialAdjustment(board, White) -
@@ -67,13 +69,13 @@ inline MaterialInfo computeMaterial(const Board_0x88& board) {
             {canMate(board, White), canMate(board, Black)}};
 }
 
-/// The material met by one thread, by the counts of all pieces.
+/// The material that one thread has met, found by the counts of all pieces.
 class MaterialTable {
   public:
     /// What computeMaterial says of the board; valid until the next call.
     const MaterialInfo& find(const Board_0x88& board) {
         const Counts counts = {countsOf(board, White), countsOf(board, Black)};
-        // Two odd numbers without a pattern spread the few bits that differ over the high ones.
+        // Factors without a pattern spread the few bits that differ over the high ones.
         const std::uint64_t mixed =
             counts[White] * 0x9E3779B97F4A7C15ULL + counts[Black] * 0xD6E8FEB86659FD93ULL;
         Entry& entry = entries[mixed >> (64 - IndexBits)];
@@ -84,7 +86,7 @@ class MaterialTable {
   private:
     static constexpr int IndexBits = 9;
     using Counts = std::array<std::uint64_t, ColourCount>;
-    /// Empty it is right for an empty board.
+    /// Zeroed, it is correct: its counts are those of an empty board.
     struct Entry {
         Counts counts{};
         MaterialInfo info;

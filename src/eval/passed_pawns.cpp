@@ -23,6 +23,7 @@ constexpr std::array<ScoreSum, PassedStepCount> dividedBonus(int divisor) {
 constexpr std::array<ScoreSum, PassedStepCount> passedPawnBonus = dividedBonus(1);
 constexpr std::array<ScoreSum, PassedStepCount> blockedPawnBonus = dividedBonus(4);
 
+// Tuned; no derivation.
 constexpr std::array<ScoreSum, UnstoppableStepCount> unstoppablePawnBonus = {{
     {0, 0},
     {193, 420},

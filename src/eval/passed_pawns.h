@@ -1,6 +1,6 @@
 // eval/passed_pawns.h - what passed pawns are worth.
 //
-// It depends on the other pieces too and is evaluated every time.
+// Unlike the pawn structure it depends on the other pieces too, so no hash keeps it.
 #pragma once
 
 #include <algorithm>
@@ -20,16 +20,16 @@ constexpr int UnstoppableStepCount = 7;
 extern const std::array<ScoreSum, PassedStepCount> passedPawnBonus;
 /// The same for a pawn with an enemy piece on its way: a quarter of it.
 extern const std::array<ScoreSum, PassedStepCount> blockedPawnBonus;
-/// On top when the enemy has only king and pawns and its king comes too late.
+/// Added when the enemy has only king and pawns and its king comes too late.
 extern const std::array<ScoreSum, UnstoppableStepCount> unstoppablePawnBonus;
 
 /// True when the enemy king does not reach the promotion square of an unblocked pawn in time.
 template <Colour Us>
-bool isUnstoppable(const Board_0x88& board, int pawn, int steps) {
+bool isUnstoppable(const Board_0x88& board, Square64 pawn, int steps) {
     constexpr Colour Them = Side<Us>::Them;
     if (board.totalCount(Them) != board.count(Them, Pawn) + 1 || !board.hasKing(Them)) return false;
-    const int promotion = fileOf64(pawn) | (Us == White ? 56 : 0);
-    const int distance = kingDistance(toSq64(board.kingSquare(Them)), promotion);
+    const Square64 promotion = square64At(fileOf(pawn), Side<Us>::relativeRank(7));
+    const int distance = kingDistance(as64(board.kingSquare(Them)), promotion);
     return steps < (board.sideToMove == Them ? distance - 1 : distance);
 }
 
@@ -41,11 +41,11 @@ ScoreSum passedPawnTerms(const Board_0x88& board, SquareMask passed) {
     const SquareMask occupied = board.occupied();
     ScoreSum score;
     for (; passed; passed &= passed - 1) {
-        const int pawn = lowestSquare(passed);
-        const int rank = Side<Us>::relativeRank(rankOf64(pawn));
+        const Square64 pawn = lowestSquare(passed);
+        const int rank = Side<Us>::relativeRank(rankOf(pawn));
         const SquareMask front = frontSpan<Us>(pawn);
         const bool blocked = (front & enemyPieces) != 0;
-        // The double step saves one; every piece on the way costs one. Only a pawn set up on its
+        // The double step saves a step; every piece on the way costs one. Only a pawn set up on its
         // first rank could need more steps than the table has.
         const int way = 7 - rank - static_cast<int>(rank == 1);
         const int steps = std::min(way + countSquares(front & occupied), PassedStepCount - 1);

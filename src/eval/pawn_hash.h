@@ -9,7 +9,7 @@
 #include <atomic>
 #include <cstdint>
 
-#include "board/hash_table.h"
+#include "base/hash_table.h"
 #include "board/types.h"
 
 namespace vatro {
@@ -26,6 +26,7 @@ struct PawnStructure {
 struct alignas(32) PawnHashEntry {
     std::array<std::atomic<std::uint64_t>, 4> words;
 
+    void touch() { touchWord(words[0]); }
     bool isEmpty() const {
         return std::all_of(words.begin(), words.end(), [](const auto& word) {
             return word.load(std::memory_order_relaxed) == 0;
@@ -34,11 +35,11 @@ struct alignas(32) PawnHashEntry {
 };
 static_assert(sizeof(PawnHashEntry) == 32);
 
-class PawnHashTable : public HashTable<PawnHashEntry> {
+class PawnHashTable : public HashTable<PawnHashEntry, 1> {
   public:
     /// Finds the structure stored for the key. False, with `found` overwritten, when there is none.
     [[nodiscard]] bool probe(Key pawnKey, PawnStructure& found) const {
-        const PawnHashEntry& entry = (*this)[indexOf(pawnKey)];
+        const PawnHashEntry& entry = bucketOf(pawnKey).entries[0];
         const std::uint64_t white = entry.words[1].load(std::memory_order_relaxed);
         const std::uint64_t black = entry.words[2].load(std::memory_order_relaxed);
         const std::uint64_t rest = entry.words[3].load(std::memory_order_relaxed);
@@ -61,15 +62,11 @@ class PawnHashTable : public HashTable<PawnHashEntry> {
             (std::uint64_t{structure.halfOpenFiles} << 40);
         const std::uint64_t white = structure.passed[White];
         const std::uint64_t black = structure.passed[Black];
-        PawnHashEntry& entry = (*this)[indexOf(pawnKey)];
+        PawnHashEntry& entry = bucketOf(pawnKey).entries[0];
         entry.words[0].store(pawnKey ^ white ^ black ^ rest, std::memory_order_relaxed);
         entry.words[1].store(white, std::memory_order_relaxed);
         entry.words[2].store(black, std::memory_order_relaxed);
         entry.words[3].store(rest, std::memory_order_relaxed);
-    }
-
-    std::uint32_t indexOf(Key pawnKey) const {
-        return static_cast<std::uint32_t>(pawnKey) & (entryCount() - 1);
     }
 };
 

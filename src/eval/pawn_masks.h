@@ -1,14 +1,12 @@
 // eval/pawn_masks.h - what lies ahead of pawns, and on which files they stand.
 //
-// "Ahead" is towards the promotion rank of the colour. Masks are in sq64 numbering.
+// "Ahead" is towards the promotion rank of the colour.
 #pragma once
 
+#include "board/geometry.h"
 #include "board/types.h"
 
 namespace vatro {
-
-constexpr SquareMask FileA = 0x0101010101010101ULL;
-constexpr SquareMask FileH = FileA << 7;
 
 template <Colour Us>
 constexpr SquareMask oneAhead(SquareMask mask) {
@@ -26,8 +24,8 @@ constexpr SquareMask fillAhead(SquareMask mask) {
 
 /// The squares ahead of a square on its own file.
 template <Colour Us>
-constexpr SquareMask frontSpan(int sq64) {
-    return Us == White ? (FileA << 8) << sq64 : (FileH >> 8) >> (63 - sq64);
+constexpr SquareMask frontSpan(Square64 square) {
+    return Us == White ? (FileA << 8) << square : (FileH >> 8) >> (63 - square);
 }
 
 /// The squares one file to the left and right of those of the mask.

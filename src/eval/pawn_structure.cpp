@@ -20,11 +20,11 @@ constexpr SquareMask backwardRanks = Us == White ? 0x000000FFFFFFFF00ULL : 0x00F
 /// The squares ahead of a backward pawn, up to the rank of the nearest own pawn on a file beside
 /// it.
 template <Colour Us>
-SquareMask pathToSupport(int pawn, SquareMask own) {
+SquareMask pathToSupport(Square64 pawn, SquareMask own) {
     const SquareMask front = frontSpan<Us>(pawn);
     const SquareMask ahead = own & beside(front);  // not empty: the pawn is not isolated
-    const int nearest = Us == White ? lowestSquare(ahead) : highestSquare(ahead);
-    const int onNearestRank = (nearest & 56) | fileOf64(pawn);
+    const Square64 nearest = Us == White ? lowestSquare(ahead) : highestSquare(ahead);
+    const Square64 onNearestRank = square64At(fileOf(pawn), rankOf(nearest));
     return front & ~frontSpan<Us>(onNearestRank);
 }
 

@@ -20,9 +20,9 @@ constexpr int SafeCornerWeight = 16;
 constexpr int FarthestDistance = 7;
 
 /// Steps to the nearest edge, 0 to 3.
-int edgeDistance(int sq64) {
-    const int file = fileOf64(sq64);
-    const int rank = rankOf64(sq64);
+int edgeDistance(Square64 square) {
+    const int file = fileOf(square);
+    const int rank = rankOf(square);
     return std::min(std::min(file, 7 - file), std::min(rank, 7 - rank));
 }
 
@@ -31,12 +31,12 @@ bool hasBishopAndKnight(const Board_0x88& board, Colour colour) {
 }
 
 /// How close the weak king is to the corners where bishop and knight do not mate.
-int safeCornerTerm(const Board_0x88& board, Colour strong, int weakKing) {
+int safeCornerTerm(const Board_0x88& board, Colour strong, Square64 weakKing) {
     const SquareMask bishops = board.pieceMask[strong][Bishop];
     if (!bishops) return 0;
-    const bool onDark = squareColour(toSquare(lowestSquare(bishops))) == 1;
-    const int first = toSq64(onDark ? A8 : A1);
-    const int second = toSq64(onDark ? H1 : H8);
+    const bool onDark = squareColour(lowestSquare(bishops)) == 1;
+    const Square64 first = as64(onDark ? A8 : A1);
+    const Square64 second = as64(onDark ? H1 : H8);
     const int distance = std::min(kingDistance(weakKing, first), kingDistance(weakKing, second));
     return SafeCornerWeight * (FarthestDistance - distance);
 }
@@ -59,10 +59,10 @@ int pawnlessEvaluation(const Board_0x88& board,
     score[board.sideToMove] += material.phase;
     breakdown.add(EvalRow::SideToMove, board.toMove(), ScorePair(FullPhase, 0));
     if (board.hasKing(weak)) {
-        const int weakKing = toSq64(board.kingSquare(weak));
+        const Square64 weakKing = as64(board.kingSquare(weak));
         addTo(weak, EvalRow::EdgeDistance, EdgeDistanceWeight * edgeDistance(weakKing));
         if (board.hasKing(strong)) {
-            const int distance = kingDistance(weakKing, toSq64(board.kingSquare(strong)));
+            const int distance = kingDistance(weakKing, as64(board.kingSquare(strong)));
             addTo(strong, EvalRow::KingDistance,
                   KingDistanceWeight * (FarthestDistance - distance));
         }

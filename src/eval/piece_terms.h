@@ -6,6 +6,7 @@
 #include "board/board.h"
 #include "board/geometry.h"
 #include "board/side.h"
+#include "board/sliding_attacks.h"
 #include "eval/breakdown.h"
 #include "eval/pawn_hash.h"
 #include "eval/pawn_masks.h"
@@ -31,12 +32,12 @@ constexpr ScoreSum queenOnKingFile{16, 111};
 constexpr ScoreSum queenBesideKingFile{7, 39};
 
 template <PieceType Type>
-SquareMask attacksFrom(int sq64, SquareMask occupied) {
+SquareMask attacksFrom(Square64 square, SquareMask occupied) {
     static_assert(Type == Knight || Type == Bishop || Type == Rook || Type == Queen);
-    if constexpr (Type == Knight) return knightAttacks[sq64];
-    if constexpr (Type == Bishop) return bishopAttacks(sq64, occupied);
-    if constexpr (Type == Rook) return rookAttacks(sq64, occupied);
-    return bishopAttacks(sq64, occupied) | rookAttacks(sq64, occupied);
+    if constexpr (Type == Knight) return knightAttacks[square];
+    if constexpr (Type == Bishop) return bishopAttacks(square, occupied);
+    if constexpr (Type == Rook) return rookAttacks(square, occupied);
+    return bishopAttacks(square, occupied) | rookAttacks(square, occupied);
 }
 
 /// The mobility of all pieces of a type; their tropism is added to `tropism`.
@@ -46,9 +47,9 @@ ScoreSum mobility(const Board_0x88& board, const KingTropism& towards, ScoreSum&
     const SquareMask targets = ~board.pieceMask[Us][NoPiece];
     ScoreSum score;
     for (SquareMask pieces = board.pieceMask[Us][Type]; pieces; pieces &= pieces - 1) {
-        const int sq64 = lowestSquare(pieces);
-        score += mobilityTerms[Type][countSquares(attacksFrom<Type>(sq64, occupied) & targets)];
-        tropism += towards.term(Type, sq64);
+        const Square64 square = lowestSquare(pieces);
+        score += mobilityTerms[Type][countSquares(attacksFrom<Type>(square, occupied) & targets)];
+        tropism += towards.term(Type, square);
     }
     return score;
 }
@@ -88,7 +89,7 @@ ScoreSum pieceTerms(const Board_0x88& board, const PawnStructure& pawns, Breakdo
 
     ScoreSum tropism = pawnTropism<Us>(board.pieceMask[Us][Pawn], towards);
     if (board.hasKing(Us)) {
-        tropism += towards.term(King, toSq64(board.kingSquare(Us)));
+        tropism += towards.term(King, as64(board.kingSquare(Us)));
     }
     const ScoreSum knights = mobility<Us, Knight>(board, towards, tropism);
     const ScoreSum bishops = mobility<Us, Bishop>(board, towards, tropism);

@@ -4,7 +4,7 @@
 // be the sum of the column.
 #include "eval/print_evaluation.h"
 
-#include "board/console.h"
+#include "base/console.h"
 #include "eval/evaluate.h"
 
 namespace vatro {
@@ -53,7 +53,7 @@ std::string rowText(const PrintedRow& printed, const EvalBreakdown& breakdown, i
 
 std::string evaluationText(const Board_0x88& board, PawnHashTable& pawnHash) {
     const MaterialInfo material = computeMaterial(board);
-    std::uint64_t uncounted = 0;
+    Counter uncounted;
     EvalMemory memory{pawnHash, uncounted};
     EvalBreakdown breakdown;
     const int score = evaluateWithBreakdown(board, memory, breakdown);

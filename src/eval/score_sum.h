@@ -7,9 +7,9 @@
 
 namespace vatro {
 
-/// A sum of score pairs: the end game in the high half, the middle game added below it with its
-/// sign, so that one addition or multiplication serves both. The halves are exact as long as the
-/// final sums fit in 16 bits; 16 pieces of a side stay below 16000 in every term together.
+/// A sum of score pairs in one word, so that one addition or multiplication serves both: the end
+/// game in the high half, plus the middle game with its sign. Both are exact as long as the final
+/// sums fit in 16 bits; all terms of a side's 16 pieces together stay below 16000.
 class ScoreSum {
   public:
     constexpr ScoreSum() = default;
@@ -17,6 +17,7 @@ class ScoreSum {
         : word((static_cast<std::uint32_t>(endGame) << 16) +
                static_cast<std::uint32_t>(middleGame)) {}
 
+    /// Adding 0x8000 gives back what a negative middle game has borrowed from the high half.
     constexpr ScorePair pair() const {
         return {static_cast<std::int16_t>(word), static_cast<std::int16_t>((word + 0x8000) >> 16)};
     }

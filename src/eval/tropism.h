@@ -19,25 +19,24 @@ constexpr ScoreSum tropismWeight[PieceTypeCount] = {
     {5, 41},  {18, 14},                      // Queen, King
 };
 
-/// What attacks the surroundings of a king on one square.
+/// What pieces are worth for attacking the squares around a king on one square.
 struct alignas(64) KingTropism {
-    /// What a piece is worth on a square: its weight for each square around the king that it
-    /// attacks. Not for pawns.
-    ScoreSum term(PieceType type, int sq64) const { return terms[type - Knight][sq64]; }
+    /// For a piece on a square: its weight for each square around the king that it attacks. Not for
+    /// pawns.
+    ScoreSum term(PieceType type, Square64 square) const { return terms[type - Knight][square]; }
 
     std::array<std::array<ScoreSum, 64>, 5> terms;
-    /// The squares on which a pawn of a colour attacks one of them, and two. Not those beyond the
-    /// king's rank: a pawn that has passed it earns nothing.
+    /// Where a pawn of a colour attacks one of the squares around the king, and where two. A pawn
+    /// that has passed the king's rank earns nothing.
     SquareMask onePawnAttack[ColourCount];
     SquareMask twoPawnAttacks[ColourCount];
 };
 
-constexpr int NoKing = 64;  // index for a missing king: nothing attacks it
-/// By the king's sq64.
-extern const std::array<KingTropism, 65> kingTropism;
+/// By the king's square; under NoSquare64, for a missing king, nothing earns anything.
+extern const std::array<KingTropism, NoSquare64 + 1> kingTropism;
 
 inline const KingTropism& tropismTowards(const Board_0x88& board, Colour kingColour) {
-    return kingTropism[board.hasKing(kingColour) ? toSq64(board.kingSquare(kingColour)) : NoKing];
+    return kingTropism[board.hasKing(kingColour) ? as64(board.kingSquare(kingColour)) : NoSquare64];
 }
 
 template <Colour Us>

@@ -1,172 +1,173 @@
-// src/search/alpha_beta.cpp - a node of the main search, and one in check.
+// search/alpha_beta.cpp - a node of the main search, and one in check.
 //
-// The entry of each routine is the only place where check is detected. "Null window" means that
-// alpha and beta leave no room between them: only then are the riskier cuts taken.
+// Check is detected on entering a node and nowhere else. The riskier cuts are taken in a null
+// window only, where the question is just whether the score reaches beta.
 #include "board/move_generation.h"
 #include "search/search_moves.h"
 
 namespace vatro {
 namespace {
 
-// All tuned; no derivation.
+// Depths are in plies, margins in centipawns. All tuned; no derivation.
 constexpr int RazoringDepth = 3;
-constexpr int RazoringBase = 200;  // centipawns
-constexpr int RazoringStep = 32;   // per depth
+constexpr int RazoringBase = 200;
+constexpr int RazoringStep = 32;  // per depth
 constexpr int StaticPruningDepth = 5;
-constexpr int StaticPruningStep = 80;  // centipawns per depth
+constexpr int StaticPruningStep = 80;  // per depth
 constexpr int NullMoveDepth = 2;
-constexpr int IterativeDepth = 3;  // of internal iterative deepening
+constexpr int NullMoveReduction = 4;  // the ply of the pass included
+constexpr int NullMoveMostExtra = 3;  // of a quarter of the depth, by which it grows
+constexpr int IterativeDepth = 3;     // of internal iterative deepening
+constexpr int IterativeReduction = 2;
 constexpr int SingleReplyHeight = 7;
 
-bool isBeyondMate(int score) { return score > MateThreshold || score < -MateThreshold; }
+constexpr int depthAfterNullMove(int depth) {
+    return depth - NullMoveReduction - std::min(depth / 4, NullMoveMostExtra);
+}
 
 /// Two null moves in a row have just been made on this line.
 bool passedTwice(const Board_0x88& board, int height) {
-    if (height < 2) return false;  // the game before the root is not asked
+    if (height < 2) return false;  // the records before the root are the game's
     return board.plyRecords[board.ply - 1].movePlayed == NoMove &&
            board.plyRecords[board.ply - 2].movePlayed == NoMove;
 }
 
 }  // namespace
 
-template <Colour Us>
-inline bool Searcher::isDecided(int alpha,
-                                int beta,
-                                int height,
-                                int depth,
-                                PrincipalVariation& line,
-                                NodeBounds& bounds,
-                                Move& tableMove,
-                                int& score) {
-    DrawReason reason;
-    if (!enterNode()) {
-        score = AbortScore;
-        return true;
-    }
-    if (isDraw(board, reason)) {
-        score = DrawScore;
-        return true;
-    }
-    bounds = boundsAt<Us>(alpha, beta, height);
-    if (bounds.isEmpty()) {
-        score = bounds.alpha;
-        store(bounds, height, depth, score, NoMove);
-        return true;
-    }
-    const TTProbe known = context.transpositionTable.probe(
-        board.record().key, {bounds.alpha, bounds.beta, height, depth});
-    statistics.ttHits += known.hit;
-    tableMove = known.move;
-    score = known.score;
-    if (known.cutoff && tableMove) line.setTo(tableMove);
-    return known.cutoff;
+/// Waiting for the disk pays only where much depends on the answer: nodes with little depth left
+/// ask for what is in memory. In the first iterations every node may wait; then one more ply counts
+/// as little with each iteration, up to four. Tuned; no derivation.
+inline bool Searcher::mayReadTablebases(int depth) const {
+    constexpr int FirstIterations = 7;
+    constexpr int MostLittleDepth = 4;
+    return depth > std::min(iterationDepth - FirstIterations, MostLittleDepth);
 }
 
 template <Colour Us>
-int Searcher::alphaBeta(int alpha, int beta, int height, int depth, PrincipalVariation& line) {
+inline std::optional<int> Searcher::openNode(const NodeWindow& window,
+                                             PrincipalVariation& line,
+                                             Node& node) {
+    DrawReason reason;
+    if (!enterNode()) return AbortScore;
+    if (isDraw(board, reason)) {
+        // A mate by the hundredth ply without a capture or pawn move comes before the draw.
+        const bool mated = reason == DrawReason::FiftyMoves && isCheckmated<Us>(board);
+        return mated ? window.height - MateScore : DrawScore;
+    }
+    node = narrowed<Us>(window);
+    if (node.isEmpty()) {
+        store(node, node.alpha, NoMove);
+        return node.alpha;
+    }
+    const std::optional<TTData> known = context.transpositionTable.probe(board.record().key);
+    if (!known) return std::nullopt;
+    ++statistics.ttHits;
+    node.tableMove = known->move;
+    if (known->depth < node.depth) return std::nullopt;
+    const int score = scoreFromTable(known->score, node.height);
+    if (!answers(node, score, known->bound)) return std::nullopt;
+    if (known->move) line.setTo(known->move);
+    return score;
+}
+
+template <Colour Us>
+int Searcher::alphaBeta(const NodeWindow& window, PrincipalVariation& line) {
     constexpr Colour Them = Side<Us>::Them;
 
     // 1. In check: the evasion search, one ply deeper.
     if (const SquareMask checkers = findCheckers<Us>(board)) {
-        return searchEvasions<Us>(checkers, alpha, beta, height, depth + 1, line);
+        return searchEvasions<Us>(checkers, window.withDepth(window.depth + 1), line);
     }
 
     // 2. Time, draws, the scores that are still possible, and the transposition table.
-    NodeBounds bounds;
-    Move tableMove;
-    int early;
-    if (isDecided<Us>(alpha, beta, height, depth, line, bounds, tableMove, early)) return early;
+    Node node;
+    if (const std::optional<int> score = openNode<Us>(window, line, node)) return *score;
 
-    // 3. The tablebases: near the root from disk, further down from their cache.
+    // 3. The tablebases.
     if (board.totalCount() <= MaxTablebasePieces && context.tablebases.initialised()) {
-        const int sure = static_cast<int>(iterationDepth) - 7;
-        int score;
-        if (probeTablebases<Us>(sure < 0 || depth > std::min(sure, 4), score)) {
-            if (score > 0) return score - height;
-            return score < 0 ? score + height : score;
+        const bool mayRead = mayReadTablebases(node.depth);
+        if (const std::optional<int> score = probeTablebases<Us>(mayRead)) {
+            return scoreFromTable(*score, node.height);
         }
     }
 
     // 4. The static score, and a stop where the line has no room left.
-    const int eval = evaluateHere(bounds.alpha, bounds.beta);
+    const int eval = evaluateHere(node);
     if (isLineFull(board)) return eval;
 
     // 5. Razoring: far below alpha, only captures can help.
-    if (depth <= RazoringDepth && bounds.isNull() && !tableMove &&
-        bounds.alpha >= -MateThreshold - 1 && bounds.alpha < MateThreshold) {
-        const int threshold = bounds.alpha - RazoringBase - RazoringStep * depth;
+    if (node.depth <= RazoringDepth && node.isNull() && !node.tableMove &&
+        !isMateScore(node.beta)) {
+        const int threshold = node.alpha - RazoringBase - RazoringStep * node.depth;
         if (eval <= threshold) {
             PrincipalVariation scratch;
-            const int score = quiescence<Us>(threshold, threshold + 1, height, scratch);
+            const int score = quiescence<Us>({threshold, threshold + 1, node.height, 0}, scratch);
             if (stopped()) return AbortScore;
             if (score <= threshold) return score;
         }
     }
 
     // 6. Static pruning: so far above beta that the depth left will not change it.
-    if (depth <= StaticPruningDepth && !isBeyondMate(bounds.alpha) && !isBeyondMate(bounds.beta)) {
-        const int score = eval - StaticPruningStep * depth;
-        if (score >= bounds.beta) {
-            store(bounds, height, depth, score, NoMove);
+    if (node.depth <= StaticPruningDepth && !isMateScore(node.alpha) && !isMateScore(node.beta)) {
+        const int score = eval - StaticPruningStep * node.depth;
+        if (score >= node.beta) {
+            store(node, score, NoMove);
             return score;
         }
     }
 
-    // 7. Null move: if passing is good enough, moving is.
-    if (depth >= NullMoveDepth && bounds.isNull() && eval >= bounds.beta &&
-        !passedTwice(board, height) && board.totalCount(Us) - board.count(Us, Pawn) > 1) {
+    // 7. Null move: if passing is good enough, moving is. With nothing but pawns that may be wrong.
+    if (node.depth >= NullMoveDepth && node.isNull() && eval >= node.beta &&
+        !passedTwice(board, node.height) && board.totalCount(Us) - board.count(Us, Pawn) > 1) {
         NullUndo undo;
         PrincipalVariation scratch;
-        const int reduced = depth - std::min(depth / 4, 3) - 4;
+        const NodeWindow child =
+            node.forChild(node.beta - 1, node.beta, depthAfterNullMove(node.depth));
         makeNullMove(board, undo);
         int score =
-            reduced < 1
-                ? -quiescence<Them>(-bounds.beta, 1 - bounds.beta, height + 1, scratch)
-                : -alphaBeta<Them>(-bounds.beta, 1 - bounds.beta, height + 1, reduced, scratch);
+            child.depth < 1 ? -quiescence<Them>(child, scratch) : -alphaBeta<Them>(child, scratch);
         unmakeNullMove(board, undo);
         if (stopped()) return AbortScore;
-        if (score >= bounds.beta) {
-            if (score > MateThreshold) score = bounds.beta;  // passing proves no mate
-            store(bounds, height, depth, score, NoMove);
+        if (score >= node.beta) {
+            if (score > MateThreshold) score = node.beta;  // passing proves no mate
+            store(node, score, NoMove);
             return score;
         }
     }
 
     // 8. Internal iterative deepening: a shallower search finds the move to try first.
-    if (!tableMove && depth >= IterativeDepth && !bounds.isNull()) {
+    if (!node.tableMove && node.depth >= IterativeDepth && !node.isNull()) {
         PrincipalVariation scratch;
-        alphaBeta<Us>(bounds.alpha, bounds.beta, height, depth - 2, scratch);
+        alphaBeta<Us>(node.withDepth(node.depth - IterativeReduction), scratch);
         if (stopped()) return AbortScore;
-        tableMove = scratch.first();
+        node.tableMove = scratch.first();
     }
 
     // 9. The moves; a forced one costs no depth near the root.
     const PinInfo pins = computePins<Us>(board, 0);
-    if (height <= SingleReplyHeight && hasOnlyOneLegalMove<Us>(board, pins)) ++depth;
+    if (node.height <= SingleReplyHeight && hasOnlyOneLegalMove<Us>(board, pins)) ++node.depth;
     MovePicker picker(board, pins, MovePicker::Phase::AllMoves);
-    picker.prefer(line.first(), tableMove);
-    const int score = searchMoves<Us, true>(picker, bounds, height, depth, line);
-    return score == NoMoveScore ? DrawScore : score;  // stalemate
+    picker.prefer(line.first(), node.tableMove, &context.reporter);
+    return searchMoves<Us>(picker, node, line, [](int) {});
 }
 
 template <Colour Us>
-int Searcher::searchEvasions(
-    SquareMask checkers, int alpha, int beta, int height, int depth, PrincipalVariation& line) {
-    NodeBounds bounds;
-    Move tableMove;
-    int early;
-    if (isDecided<Us>(alpha, beta, height, depth, line, bounds, tableMove, early)) return early;
-    if (isLineFull(board)) return evaluateHere(bounds.alpha, bounds.beta);
+int Searcher::searchEvasions(SquareMask checkers,
+                             const NodeWindow& window,
+                             PrincipalVariation& line) {
+    Node node;
+    if (const std::optional<int> score = openNode<Us>(window, line, node)) return *score;
+    if (isLineFull(board)) return evaluateHere(node);
 
     MovePicker picker(board, computePins<Us>(board, checkers), MovePicker::Phase::AllMoves);
-    picker.prefer(line.first(), tableMove);
-    const int score = searchMoves<Us, false>(picker, bounds, height, depth, line);
-    return score == NoMoveScore ? height - MateScore : score;  // checkmate
+    picker.prefer(line.first(), node.tableMove, &context.reporter);
+    node.inCheck = true;
+    return searchMoves<Us>(picker, node, line, [](int) {});
 }
 
-template int Searcher::alphaBeta<White>(int, int, int, int, PrincipalVariation&);
-template int Searcher::alphaBeta<Black>(int, int, int, int, PrincipalVariation&);
-template int Searcher::searchEvasions<White>(SquareMask, int, int, int, int, PrincipalVariation&);
-template int Searcher::searchEvasions<Black>(SquareMask, int, int, int, int, PrincipalVariation&);
+template int Searcher::alphaBeta<White>(const NodeWindow&, PrincipalVariation&);
+template int Searcher::alphaBeta<Black>(const NodeWindow&, PrincipalVariation&);
+template int Searcher::searchEvasions<White>(SquareMask, const NodeWindow&, PrincipalVariation&);
+template int Searcher::searchEvasions<Black>(SquareMask, const NodeWindow&, PrincipalVariation&);
 
 }  // namespace vatro

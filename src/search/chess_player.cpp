@@ -1,120 +1,175 @@
-// src/search/chess_player.cpp - preparing the player, starting and stopping its search.
+// search/chess_player.cpp - preparing the player, starting and stopping its search.
 #include "search/chess_player.h"
 
 #include <algorithm>
 #include <thread>
+#include <utility>
 
-#include "board/console.h"
 #include "board/draw.h"
 #include "board/move_generation.h"
 
 namespace vatro {
-namespace {
 
-/// Resizes a table and reports its new size, or that there is no memory for it.
-template <typename Table>
-bool resizeTable(Table& table, const char* name, unsigned megabytes) {
-    if (!table.resize(megabytes)) {
-        say(formatted("# ERROR: no memory for a %s of %u MB\n", name, megabytes));
-        return false;
-    }
-    say(formatted("# new size of %s: %u MB\n", name, table.sizeInMB()));
-    return true;
-}
-
-constexpr char ttName[] = "TT hash";
-constexpr char pawnHashName[] = "Pawn hash";
-
-/// Makes the table anew for `setting` megabytes. Without memory the setting goes back to what the
-/// table was made for; a first table shrinks until it fits.
-template <typename Table>
-void recreateTable(Table& table, const char* name, unsigned& setting, unsigned& allocatedFor) {
-    while (!resizeTable(table, name, setting)) {
-        if (allocatedFor != 0) {
-            setting = allocatedFor;
-            return;
-        }
-        setting = std::max(setting / 2, 1U);
-    }
-    allocatedFor = setting;
-}
-
-}  // namespace
-
-ChessPlayer::ChessPlayer(TimeControl& control, EngineInterface* engineToTell)
+ChessPlayer::ChessPlayer(TimeControl& control,
+                         SearchReporter& reports,
+                         EngineInterface* engineToTell)
     : timeControl(control),
       maxCores(std::max(std::thread::hardware_concurrency(), 1U)),
+      reporter(reports),
       engine(engineToTell) {}
 
 ChessPlayer::~ChessPlayer() { stopSearch(); }
 
 void ChessPlayer::preparePlayer(bool reset) {
     if (isSearching()) return;
-    if (reset || ttAllocatedFor != ttHashSizeMB) {
-        recreateTable(transpositionTable, ttName, ttHashSizeMB, ttAllocatedFor);
-    }
-    if (reset || pawnHashAllocatedFor != pawnHashSizeMB) {
-        recreateTable(pawnHashTable, pawnHashName, pawnHashSizeMB, pawnHashAllocatedFor);
-    }
+    // Threads first: tables can do with less memory, stacks cannot.
     if (reset || threadCount() != requestedCores) rebuildPool();
+    if (threadPool.empty()) return;
+    const unsigned wantedTT = ttHashSizeMB;
+    const unsigned wantedPawnHash = pawnHashSizeMB;
+    const bool newTT = ttAllocatedFor != wantedTT;
+    const bool newPawnHash = pawnHashAllocatedFor != wantedPawnHash;
+    if (reset && !newTT && !newPawnHash && emptyTables()) {
+        reporter.reportTableSize(TableName::TranspositionTable, transpositionTable.sizeInMB());
+        reporter.reportTableSize(TableName::PawnHash, pawnHashTable.sizeInMB());
+        return;
+    }
+    if (reset || newTT) {
+        recreate(transpositionTable, TableName::TranspositionTable, ttHashSizeMB, ttAllocatedFor);
+        if (ttAllocatedFor == 0) return;
+    }
+    if (reset || newPawnHash) {
+        recreate(pawnHashTable, TableName::PawnHash, pawnHashSizeMB, pawnHashAllocatedFor);
+    }
+    // A table that has kept its old memory may have kept its entries.
+    if (reset && ttHashSizeMB == wantedTT && pawnHashSizeMB == wantedPawnHash) tablesUsed = false;
+}
+
+bool ChessPlayer::isReady() const {
+    return !threadPool.empty() && ttAllocatedFor != 0 && pawnHashAllocatedFor != 0;
+}
+
+/// Clearing memory that is there costs less than new pages; new pages cost less now than clearing
+/// memory that is not. False when they are the better choice.
+bool ChessPlayer::emptyTables() {
+    if (!tablesUsed) return true;
+    if (!warmer.isComplete()) return false;
+    transpositionTable.clear();
+    pawnHashTable.clear();
+    tablesUsed = false;
+    return true;
+}
+
+template <typename Table>
+void ChessPlayer::recreate(Table& table,
+                           TableName name,
+                           unsigned& setting,
+                           unsigned& allocatedFor) {
+    const unsigned wanted = setting;
+    warmer.cancel();  // it must not touch memory that goes away
+    while (!table.resize(setting)) {
+        if (allocatedFor != 0 || setting <= 1) {
+            reporter.reportNoMemoryForTable(name, setting);
+            if (allocatedFor == 0) return;
+            if (setting == allocatedFor) table.clear();  // it was to be emptied
+            setting = allocatedFor;
+            warmer.start();
+            return;
+        }
+        setting /= 2;
+    }
+    allocatedFor = setting;
+    if (setting != wanted) reporter.reportNoMemoryForTable(name, wanted);
+    reporter.reportTableSize(name, table.sizeInMB());
+    warmer.start();
 }
 
 void ChessPlayer::rebuildPool() {
-    const SearchContext shared{transpositionTable, pawnHashTable, tablebases, timeControl, *this};
+    const SearchContext shared{transpositionTable, pawnHashTable, tablebases,
+                               timeControl,        *this,         reporter};
     threadPool.clear();
     for (unsigned i = 0; i < requestedCores; ++i) {
-        threadPool.push_back(std::make_unique<SearchThread>(i, &think, this, shared, engine));
+        auto thread = std::make_unique<SearchThread>(i, &think, this, shared, engine);
+        if (!thread->create()) break;
+        threadPool.push_back(std::move(thread));
+    }
+    if (threadPool.empty()) {
+        reporter.reportNoThread();
+    } else if (threadCount() != requestedCores) {
+        const unsigned wanted = std::exchange(requestedCores, threadCount());
+        reporter.reportCores({requestedCores, wanted, threadCount(), maxCores});
     }
 }
 
 void ChessPlayer::setCores(unsigned requested) {
     requestedCores = std::min(requested, maxCores);
-    say(formatted("# will now use %u cores (requested=%u, current=%u, max=%u)\n", requestedCores,
-                  requested, threadCount(), maxCores));
+    reporter.reportCores({requestedCores, requested, threadCount(), maxCores});
 }
 
 bool ChessPlayer::setTTHashSize(unsigned megabytes) {
     ttHashSizeMB = megabytes;
     if (isSearching()) return true;
-    recreateTable(transpositionTable, ttName, ttHashSizeMB, ttAllocatedFor);
+    recreate(transpositionTable, TableName::TranspositionTable, ttHashSizeMB, ttAllocatedFor);
     return ttHashSizeMB == megabytes;
 }
 
 bool ChessPlayer::setPawnHashSize(unsigned megabytes) {
     pawnHashSizeMB = megabytes;
     if (isSearching()) return true;
-    recreateTable(pawnHashTable, pawnHashName, pawnHashSizeMB, pawnHashAllocatedFor);
+    recreate(pawnHashTable, TableName::PawnHash, pawnHashSizeMB, pawnHashAllocatedFor);
     return pawnHashSizeMB == megabytes;
 }
 
-void ChessPlayer::initTablebases() {
+bool ChessPlayer::initTablebases() {
     const std::size_t cacheBytes = std::size_t{gtbCacheSizeMB} << 20;
     if (!tablebases.initialise(gtbPath, cacheBytes)) {
-        say("# ERROR: no memory for the tablebases\n");
-        return;
+        reporter.reportNoMemoryForTablebases();
+        return false;
     }
-    if (const std::string notice = tablebases.takeNotice(); !notice.empty()) {
-        say("# " + notice + '\n');
-    }
+    reportTablebaseFaults();
+    return true;
 }
 
-void ChessPlayer::initTablebases(const std::string& path) {
+bool ChessPlayer::initTablebases(const std::string& path) {
     gtbPath = path.substr(0, MaxPathLength);
+    return initTablebases();
+}
+
+bool ChessPlayer::setTablebaseCacheSize(unsigned megabytes) {
+    const unsigned previous = std::exchange(gtbCacheSizeMB, megabytes);
+    if (initTablebases()) return true;
+    gtbCacheSizeMB = previous;
     initTablebases();
+    return false;
+}
+
+void ChessPlayer::reportTablebaseFaults() {
+    if (const std::string notice = tablebases.takeNotice(); !notice.empty()) {
+        reporter.reportTablebaseNotice(notice);
+    }
 }
 
 void ChessPlayer::startSearch() {
+    tablesUsed = true;
+    if (threadCount() >= maxCores) warmer.pause();
     // Thread 0 comes last: it may end at once, and stops only helpers that have started.
     for (std::size_t i = threadPool.size(); i-- > 0;) {
-        threadPool[i]->startSearch();
+        threadPool[i]->startSearch(game.board);
     }
 }
 
 void ChessPlayer::stopSearch() {
     for (const auto& thread : threadPool) {
-        thread->stopSearch(true);
+        thread->requestStop(true);
     }
+    waitUntilIdle();
 }
+
+void ChessPlayer::discardResult() {
+    if (!threadPool.empty()) threadPool[0]->searcher.discardFlag = true;
+}
+
+bool ChessPlayer::resultIsDiscarded() const { return threadPool[0]->searcher.discardFlag; }
 
 bool ChessPlayer::isSearching() const {
     return std::any_of(threadPool.begin(), threadPool.end(),
@@ -127,23 +182,18 @@ void ChessPlayer::waitUntilIdle() {
     }
 }
 
-bool ChessPlayer::checkGameResult() {
+GameResult ChessPlayer::gameResult() {
     MoveList list;
     generateLegalMoves(game.board, list);
     if (list.count == 0) {
-        if (!inCheck(game.board)) {
-            say("1/2-1/2 {Stalemate}\n");
-        } else if (game.board.sideToMove == Black) {
-            say("1-0 {White wins by checkmate}\n");
-        } else {
-            say("0-1 {Black wins by checkmate}\n");
-        }
-        return true;
+        if (!inCheck(game.board)) return GameResult::Stalemate;
+        return game.board.sideToMove == Black ? GameResult::WhiteMates : GameResult::BlackMates;
     }
     DrawReason reason;
-    if (!isDraw(game.board, reason) || reason != DrawReason::InsufficientMaterial) return false;
-    say("1/2-1/2 {Draw by insufficient material}\n");
-    return true;
+    if (isDraw(game.board, reason) && reason == DrawReason::InsufficientMaterial) {
+        return GameResult::InsufficientMaterial;
+    }
+    return GameResult::Open;
 }
 
 bool ChessPlayer::shouldOfferDraw(Move move) {

@@ -1,4 +1,4 @@
-// src/search/chess_player.h - the player: the game board, the tables, the book and the threads.
+// search/chess_player.h - the player: the game board, the tables, the book and the threads.
 //
 // The main thread prepares the player and starts its search; search thread 0 decides on the move
 // and hands it to the engine. Settings that a command may change during a search are atomic or
@@ -15,43 +15,66 @@
 #include "egtb/tablebases.h"
 #include "eval/pawn_hash.h"
 #include "search/interfaces.h"
+#include "search/search_reporter.h"
 #include "search/search_thread.h"
+#include "search/table_warmer.h"
 #include "search/time_control.h"
 #include "search/transposition_table.h"
 
 namespace vatro {
 
+/// How a game has ended.
+enum class GameResult { Open, WhiteMates, BlackMates, Stalemate, InsufficientMaterial };
+
 class ChessPlayer final : public SearchInterface {
   public:
-    /// The engine and its time control outlive the player. `engineToTell` may be null in tests.
-    ChessPlayer(TimeControl& control, EngineInterface* engineToTell);
+    /// All three outlive the player. Without an engine the moves that are found go nowhere.
+    ChessPlayer(TimeControl& control, SearchReporter& reports, EngineInterface* engineToTell);
     ~ChessPlayer() override;
 
     // --- Main thread ---
 
     /// Makes tables and threads match the settings; `reset` empties the tables. Does nothing while
-    /// a search runs: the next preparation will.
+    /// a search runs: the next preparation will. Makes do with smaller tables at the start, and
+    /// with fewer threads, when the system has no more.
     void preparePlayer(bool reset);
+    /// Whether the last preparation had the memory and the threads without which there is no search
+    /// (reported).
+    bool isReady() const;
     /// Sets the number of threads for the next preparation, at most `maxCores`, and reports it.
     void setCores(unsigned requested);
     /// Resizes a table, at the next preparation if a search runs. False when there is no memory for
     /// it (reported); the table and the setting stay then.
     bool setTTHashSize(unsigned megabytes);
     bool setPawnHashSize(unsigned megabytes);
-    /// (Re)initialises the tablebases from `gtbPath`, or from a new path.
-    void initTablebases();
-    void initTablebases(const std::string& path);
+    /// (Re)initialises the tablebases from `gtbPath`, or from a new path. False when there is no
+    /// memory for their cache (reported); the tablebases are then closed.
+    bool initTablebases();
+    bool initTablebases(const std::string& path);
+    /// The same with another size of the cache. Without memory for it the setting stays, and the
+    /// tablebases with it.
+    bool setTablebaseCacheSize(unsigned megabytes);
+    /// Reports what has gone wrong with table files since the last call.
+    void reportTablebaseFaults();
+
+    /// Sets what is left on the engine's clock, in centiseconds. A running search may get shorter.
+    void setTimeLeft(std::int32_t left);
 
     /// Starts the search of the game's position on all threads and returns.
     void startSearch();
     /// Ends a running search, whose result is discarded. The caller holds no lock that
     /// EngineInterface::makeEngineMove takes.
     void stopSearch();
+    /// Marks the result of a running search as not to be played. Called under the lock that
+    /// EngineInterface::makeEngineMove takes before it asks resultIsDiscarded: so no move is made
+    /// after the mark, however long the search takes to end.
+    void discardResult();
+    bool resultIsDiscarded() const;
     bool isSearching() const;
     void waitUntilIdle();
 
-    /// True when the game has ended; prints its result line.
-    bool checkGameResult();
+    /// Whether, and how, the rules have ended the game. A draw that has to be claimed does not.
+    GameResult gameResult();
     /// True when the move leads to a position that the opponent may claim a draw in.
     bool shouldOfferDraw(Move move);
 
@@ -64,38 +87,57 @@ class ChessPlayer final : public SearchInterface {
     TimeControl& timeControl;
     Game game;
 
-    unsigned ttHashSizeMB = 256;     // 1 to 2048
-    unsigned pawnHashSizeMB = 32;    // 1 to 2048
-    unsigned gtbCacheSizeMB = 16;    // 0 to 256
-    std::string gtbPath = "C:/gtb";  // at most MaxPathLength characters
+    // Ranges and names of the settings: engine/settings.cpp.
+    static constexpr unsigned DefaultTTHashSizeMB = 256;
+    static constexpr unsigned DefaultPawnHashSizeMB = 32;
+    static constexpr unsigned DefaultTablebaseCacheMB = 16;
+    static constexpr char DefaultTablebasePath[] = "C:/gtb";
+    static constexpr unsigned DefaultCores = 1;
     static constexpr std::size_t MaxPathLength = 255;
+
+    unsigned ttHashSizeMB = DefaultTTHashSizeMB;
+    unsigned pawnHashSizeMB = DefaultPawnHashSizeMB;
+    unsigned gtbCacheSizeMB = DefaultTablebaseCacheMB;
+    std::string gtbPath = DefaultTablebasePath;  // at most MaxPathLength characters
 
     std::atomic<bool> useBook{true};
     std::atomic<bool> randomMoves{false};  // play random moves instead of searching
-    std::atomic<bool> post{true};          // thinking output
+    std::atomic<bool> post{true};          // whether thinking lines and statistics are reported
     bool outOfBook = false;    // the game has left the book; search thread 0's in a search
     Move ponderMove = NoMove;  // expected reply to the last move; the same
 
     unsigned maxCores;  // hardware threads, at least 1
-    unsigned requestedCores = 1;
+    unsigned requestedCores = DefaultCores;
     unsigned threadCount() const { return static_cast<unsigned>(threadPool.size()); }
 
     PolyglotBook book;
     TranspositionTable transpositionTable;
     PawnHashTable pawnHashTable;
+    bool tablesUsed = false;  // since they were last empty; the main thread's
     TablebaseState tablebases;
 
   private:
+    /// Makes a table anew for `setting` megabytes and reports its size. Without memory the setting
+    /// goes back to what the table was made for; a first table shrinks until it fits.
+    bool emptyTables();
+    template <typename Table>
+    void recreate(Table& table, TableName name, unsigned& setting, unsigned& allocatedFor);
+    void rebuildPool();
+
     static void think(unsigned threadIndex, void* player);
     void thinkAndMove();
     Move chooseMove();
     void giveTimeOutOfBook();
+    void keepWithinClock();
     void stopHelpers();
-    void rebuildPool();
+    template <typename Counter>
+    std::uint64_t sumOverThreads(Counter counter) const;
 
+    SearchReporter& reporter;
     EngineInterface* engine;
     unsigned ttAllocatedFor = 0;  // the size setting that the table was made for; 0: no table
     unsigned pawnHashAllocatedFor = 0;
+    TableWarmer warmer{transpositionTable, pawnHashTable};
     std::vector<std::unique_ptr<SearchThread>> threadPool;
 };
 

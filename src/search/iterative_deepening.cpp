@@ -1,10 +1,9 @@
-// src/search/iterative_deepening.cpp - searching the root deeper and deeper.
+// search/iterative_deepening.cpp - searching the root deeper and deeper.
 //
 // Thread 0 decides when to stop; helpers run the same loop on every second depth and only feed the
 // transposition table.
 #include <algorithm>
 
-#include "board/console.h"
 #include "search/node.h"
 #include "search/root.h"
 
@@ -12,8 +11,13 @@ namespace vatro {
 namespace {
 
 constexpr int AspirationWindow = 30;  // centipawns on either side; tuned
-constexpr int EarlyStopDepth = 6;     // no time-based stop before this depth; tuned
 constexpr int EasyMoveShare = 8;      // an easy move is played after 1/8 of the time; tuned
+
+// Nodes between two looks at the clock, powers of two. On a busy machine the larger interval takes
+// up to 20 ms (measured), as long as a short clock holds.
+constexpr std::uint64_t TimeCheckInterval = 4096;
+constexpr std::uint64_t ShortTimeInterval = 256;
+constexpr std::int32_t ShortTime = 10;  // centiseconds for the move
 
 /// The largest odd number of plies within `depth` or just above, and the same for even ones.
 constexpr int oddUpTo(int depth) { return depth | 1; }
@@ -22,13 +26,19 @@ static_assert(oddUpTo(5) == 5 && oddUpTo(6) == 7 && evenUpTo(5) == 6 && evenUpTo
 
 }  // namespace
 
-SearchResult Searcher::iterativeDeepening(const Board_0x88& gameBoard) {
+void Searcher::prepare(const Board_0x88& gameBoard) {
+    stopFlag = false;
+    discardFlag = false;
     board = gameBoard;
     statistics = {};
     nodes = 0;
-    easyFlag = false;
+    tbHits = 0;
+    easyIterations = 0;
     firstMovesTime = 0;
     iterationDepth = 0;
+}
+
+SearchResult Searcher::iterativeDeepening() {
     return board.sideToMove == White ? iterate<White>() : iterate<Black>();
 }
 
@@ -36,9 +46,13 @@ template <Colour Us>
 SearchResult Searcher::iterate() {
     const bool isMain = threadIndex == 0;
     const bool timed = context.timeControl.timed;
+    const bool isShort = timed && context.timeControl.timeForMove < ShortTime;
+    timeCheckMask = (isShort ? ShortTimeInterval : TimeCheckInterval) - 1;
     RootScan root = scanRoot<Us>();
     PrincipalVariation& best = root.best;
     int previous = root.score;
+
+    // 1. Nothing to search where the tablebases know every move.
     if (root.isResolved()) {
         if (!isMain) return {};
         context.player.printThinking(0, previous, best);
@@ -46,82 +60,84 @@ SearchResult Searcher::iterate() {
         return timed && !discardFlag ? SearchResult{best.first(), NoMove} : SearchResult{};
     }
 
+    // 2. The iterations. Helpers leave out every other depth until a mate is seen.
     int step = isMain ? 1 : 2;
     for (int depth = 1 + static_cast<int>(threadIndex % 2);
          depth <= static_cast<int>(MaxDepth) && !stopped(); depth += step) {
-        iterationDepth = static_cast<unsigned>(depth);
-        bestPossible = board.totalCount(Us) == 1 ? 0 : MateScore - oddUpTo(depth);
-        worstPossible = board.totalCount(Side<Us>::Them) == 1 ? 0 : evenUpTo(depth) - MateScore;
+        iterationDepth = depth;
+        bestPossible = board.totalCount(Us) == 1 ? DrawScore : MateScore - oddUpTo(depth);
+        worstPossible =
+            board.totalCount(Side<Us>::Them) == 1 ? DrawScore : evenUpTo(depth) - MateScore;
         PrincipalVariation line = best;
-        easyAtDepth[depth] = false;
-        const int score = searchWindow<Us>(previous, depth, line);
-        if (score > MateThreshold || score < -MateThreshold) step = 1;
-        if (!line.empty()) {
+        const int score = searchIteration<Us>(previous, depth, line);
+        if (isMateScore(score)) step = 1;
+        if (!line.empty()) {  // a stopped iteration counts as far as it got
             best = line;
             previous = score;
         }
         if (!isMain || stopped()) continue;
-        easyAtDepth[depth] = easyFlag;
-        if (shouldStop(depth, root.legalMoves, previous, best)) stopFlag = true;
+        easyIterations = bestStandsOut ? easyIterations + 1 : 0;
+        if (const auto stop = reasonToStop(depth, root.legalMoves, previous, best.first())) {
+            context.reporter.reportStop(*stop);
+            stopFlag = true;
+        }
     }
+
+    // 3. Thread 0 has the result.
     if (!isMain) return {};
     context.player.printStatistics();
     if (!timed || discardFlag) return {};
     return {best.first(), best.second()};
 }
 
-/// Searches the root with a narrow window around the previous score, and with wider ones when the
-/// score falls outside.
+/// Searches the root with a narrow window around the previous score, and with wider ones until the
+/// score lies inside. The widest reaches to the mates that this depth can prove, and further when
+/// the search happens on a nearer one.
 template <Colour Us>
-int Searcher::searchWindow(int previous, int depth, PrincipalVariation& line) {
-    const int lowest = worstPossible - 1;
-    const int highest = bestPossible + 1;
-    const int alpha = std::max(previous - AspirationWindow, lowest);
-    const int beta = std::min(previous + AspirationWindow, highest);
-    const auto failsHigh = [&](int score) { return score >= beta && score <= bestPossible; };
-    const auto failsLow = [&](int score) { return score <= alpha && score >= worstPossible; };
-    int score = searchRoot<Us>(alpha, beta, depth, line);
-    if (stopped()) return score;
-    if (failsHigh(score)) {
-        score = searchRoot<Us>(alpha, highest, depth, line);
-        if (failsLow(score)) score = searchRoot<Us>(lowest, highest, depth, line);
-    } else if (failsLow(score)) {
-        score = searchRoot<Us>(lowest, beta, depth, line);
-        if (failsHigh(score)) score = searchRoot<Us>(lowest, highest, depth, line);
+int Searcher::searchIteration(int previous, int depth, PrincipalVariation& line) {
+    int low = std::max(previous - AspirationWindow, worstPossible - 1);
+    int high = std::min(previous + AspirationWindow, bestPossible + 1);
+    for (;;) {
+        const int score = searchRoot<Us>({low, high, 0, depth}, line);
+        if (stopped() || (score > low && score < high)) return score;
+        if (score >= high) {
+            high = std::max(bestPossible, score) + 1;
+        } else {
+            low = std::min(worstPossible, score) - 1;
+        }
     }
-    return score;
 }
 
-/// Thread 0's rules for ending the search after an iteration.
-bool Searcher::shouldStop(int depth,
-                          unsigned legalMoves,
-                          int score,
-                          const PrincipalVariation& best) {
+/// Thread 0's rules for ending the search after an iteration; the first that applies.
+std::optional<StopReport> Searcher::reasonToStop(int depth,
+                                                 unsigned legalMoves,
+                                                 int score,
+                                                 Move best) const {
     const TimeControl& control = context.timeControl;
-    const auto report = [&best](const std::string& reason) {
-        say("# " + reason + ": " + moveToText(best.first()) + '\n');
-        return true;
-    };
-    if (depth == 1 && legalMoves == 1) return report("forced move");
+    if (depth == 1 && legalMoves == 1 && control.timed) {
+        return StopReport{StopReason::ForcedMove, best};  // analysis wants to know what follows
+    }
     if (depth >= EarlyStopDepth && control.timed) {
         const std::int32_t allotted = control.timeForMove;
         const std::int32_t used = control.searchTime();
-        if (easyAtDepth[depth] && easyAtDepth[depth - 1] && used >= allotted / EasyMoveShare) {
-            return report("easy move");
+        if (easyIterations >= 2 && used >= allotted / EasyMoveShare) {
+            return StopReport{StopReason::EasyMove, best};
         }
         if (std::int64_t{allotted} - used < std::int64_t{firstMovesTime} * 3 / 2) {
-            say("# probably not enough time left for another iteration\n");
-            return true;
+            return StopReport{StopReason::NoTimeForMore, best};
         }
     }
-    if (score == bestPossible) {
-        if (score == DrawScore) return report("forced draw");
-        return report("forced mate in " + std::to_string(MateScore - score) + " plies");
+    if (score >= bestPossible) {
+        if (score == DrawScore) return StopReport{StopReason::ForcedDraw, best};
+        return StopReport{StopReason::ForcedMate, best, MateScore - score};
     }
-    if (score == worstPossible && score < 0) {
-        return report("getting mated in " + std::to_string(score + MateScore) + " plies");
+    if (score <= worstPossible && score < 0) {
+        return StopReport{StopReason::GettingMated, best, score + MateScore};
     }
-    return control.depthLimited && control.maxDepth == static_cast<std::uint32_t>(depth);
+    if (control.depthLimited && control.maxDepth == static_cast<std::uint32_t>(depth)) {
+        return StopReport{StopReason::DepthLimit, best};
+    }
+    return std::nullopt;
 }
 
 }  // namespace vatro

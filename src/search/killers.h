@@ -1,4 +1,4 @@
-// src/search/killers.h - quiet moves that refuted a sibling are tried early.
+// search/killers.h - remembering quiet moves that cut off.
 #pragma once
 
 #include "board/board.h"

@@ -1,4 +1,4 @@
-// src/search/principal_variation.h - a line of best moves.
+// search/principal_variation.h - a line of best moves.
 #pragma once
 
 #include <algorithm>

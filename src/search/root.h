@@ -1,4 +1,4 @@
-// src/search/root.h - what is known of the root before the first iteration.
+// search/root.h - what the iterations and the search of the root share.
 #pragma once
 
 #include "eval/scores.h"
@@ -6,11 +6,15 @@
 
 namespace vatro {
 
+/// The first iteration that may end the search for reasons of time; tuned.
+constexpr int EarlyStopDepth = 6;
+
+/// What is known of the root before the first iteration.
 struct Searcher::RootScan {
     PrincipalVariation best;  // one move, none when there is no legal one
     int score = -MateScore;
     unsigned legalMoves = 0;
-    unsigned resolved = 0;  // of them by the tablebases
+    unsigned resolved = 0;  // those of them whose score the tablebases know
 
     bool isResolved() const { return resolved == legalMoves; }
 };

@@ -1,4 +1,4 @@
-// src/search/search_moves.h - trying the moves of a node one by one.
+// search/search_moves.h - trying the moves of a node one by one.
 #pragma once
 
 #include "board/draw.h"
@@ -9,79 +9,111 @@
 
 namespace vatro {
 
+/// The best score of a node so far. The line that leads to it is written into the node's line.
+class BestMove {
+  public:
+    /// `floor` is what the side to move can have without any of the moves.
+    BestMove(const NodeWindow& nodeWindow, int floor, PrincipalVariation& nodeLine)
+        : window(nodeWindow), best(floor), line(nodeLine) {}
+
+    int score() const { return best; }
+    /// What the next move has to beat.
+    int alpha() const { return std::max(best, window.alpha); }
+
+    /// Takes in the score of a move, with the line that follows it. True when it reaches beta: the
+    /// other moves need not be tried.
+    bool cutsOff(Move move, int moveScore, const PrincipalVariation& childLine) {
+        if (moveScore >= window.beta) return true;
+        if (moveScore > best) {
+            best = moveScore;
+            if (moveScore > window.alpha) line.setTo(move, childLine);
+        }
+        return false;
+    }
+
+  private:
+    const NodeWindow& window;
+    int best;
+    PrincipalVariation& line;
+};
+
 /// Prepares the line for a child: the rest of the node's line when it begins with the move.
-inline void handDown(const PrincipalVariation& line,
-                     Move move,
-                     unsigned shortest,
-                     PrincipalVariation& childLine) {
+inline void handDown(const PrincipalVariation& line, Move move, PrincipalVariation& childLine) {
     childLine.length = 0;
-    if (line.length >= shortest && line.moves[0] == move) childLine.setToRestOf(line);
+    if (!line.empty() && line.moves[0] == move) childLine.setToRestOf(line);
 }
 
-template <Colour Us>
-inline int Searcher::searchChild(
-    int a, int b, int height, int depth, int number, PrincipalVariation& line) {
-    constexpr Colour Them = Side<Us>::Them;
-    if (depth == 0) return -quiescence<Them>(-b, -a, height, line);
-    if (number == 1) return -alphaBeta<Them>(-b, -a, height, depth, line);
-    int score = -alphaBeta<Them>(-a - 1, -a, height, depth, line);
-    if (a + 1 != b && score > a) score = -alphaBeta<Them>(-b, -a, height, depth, line);
+/// Plays the move, lets `search` score the position after it, and takes the move back.
+template <Colour Us, typename Search>
+inline int Searcher::scoreAfter(Move move, Search search) {
+    UndoRecord undo;
+    board.record().movePlayed = move;
+    makeMove<Us>(board, move, undo);
+    const int score = search();
+    unmakeMove<Us>(board, move, undo);
     return score;
+}
+
+/// Searches a child in its own window and gives its score as the parent, `Us`, sees it. The first
+/// move is expected to be the best; of a later one it is asked first whether it is better at all.
+template <Colour Us>
+inline int Searcher::searchChild(const NodeWindow& child, bool isFirst, PrincipalVariation& line) {
+    constexpr Colour Them = Side<Us>::Them;
+    if (child.depth == 0) return -quiescence<Them>(child, line);
+    if (!isFirst && !child.isNull()) {
+        const int score = alphaBeta<Them>(child.atBeta(), line);
+        if (score >= child.beta) return -score;
+    }
+    return -alphaBeta<Them>(child, line);
 }
 
 /// Late quiet moves are searched less deep first; a pawn that reaches the seventh rank is not.
 template <Colour Us>
-inline bool isReducible(const Board_0x88& board, Move move, int number, int depth) {
-    if (number < 2 || depth < 3 || !isQuiet(board, move)) return false;
-    return board.pieceOn[fromSquare(move)] != Pawn || rankOf64(to64(move)) != Side<Us>::SeventhRank;
+inline bool isReducible(const Board_0x88& board, Move move) {
+    if (!isQuiet(board, move)) return false;
+    return board.pieceOn[fromSquare(move)] != Pawn || rankOf(to64(move)) != Side<Us>::SeventhRank;
 }
 
-template <Colour Us>
-inline int Searcher::searchReduced(
-    int a, int b, int height, int depth, int number, bool reduces, PrincipalVariation& line) {
-    if (reduces) {
-        const int score = searchChild<Us>(a, b, height, depth - 2, number, line);
-        if (score <= a) return score;
-    }
-    return searchChild<Us>(a, b, height, depth - 1, number, line);
-}
-
-/// The move loop of alphaBeta and, without reductions, of searchEvasions. Returns a score below
-/// every possible one, and stores nothing, when there was no move.
-template <Colour Us, bool Reduces>
-inline int Searcher::searchMoves(
-    MovePicker& picker, const NodeBounds& bounds, int height, int depth, PrincipalVariation& line) {
-    int best = -MateScore;
-    int number = 0;
+/// The move loop of every node but those of the quiescence search. Calls `afterMove` with the score
+/// of each move that did not cut off.
+template <Colour Us, typename AfterMove>
+inline int Searcher::searchMoves(MovePicker& picker,
+                                 const Node& node,
+                                 PrincipalVariation& line,
+                                 AfterMove afterMove) {
+    constexpr int ReducibleDepth = 3;  // and deeper; tuned
+    BestMove best(node, -MateScore, line);
     PrincipalVariation childLine;
-    UndoRecord undo;
+    bool isFirst = true;
     while (const Move move = picker.next<Us>()) {
-        ++number;
-        // A child beyond the horizon does not ask the table, unless in check.
-        if (depth > 1) context.transpositionTable.prefetch(likelyKeyAfter(board, move));
-        handDown(line, move, 2, childLine);
-        const bool reduces = Reduces && isReducible<Us>(board, move, number, depth);
-        board.record().movePlayed = move;
-        makeMove<Us>(board, move, undo);
-        const int score = searchReduced<Us>(std::max(best, bounds.alpha), bounds.beta, height + 1,
-                                            depth, number, reduces, childLine);
-        unmakeMove<Us>(board, move, undo);
+        // The table is not asked beyond the horizon, except in check.
+        if (node.depth > 1) context.transpositionTable.prefetch(likelyKeyAfter(board, move));
+        handDown(line, move, childLine);
+        const int alpha = best.alpha();
+        const bool reduces = !node.inCheck && !isFirst && node.depth >= ReducibleDepth &&
+                             isReducible<Us>(board, move);
+        const int score = scoreAfter<Us>(move, [&, alpha, reduces, isFirst] {
+            const NodeWindow child = node.forChild(alpha, node.beta, node.depth - 1);
+            if (reduces) {
+                const int early =
+                    searchChild<Us>(child.withDepth(child.depth - 1), isFirst, childLine);
+                if (early <= alpha) return early;
+            }
+            return searchChild<Us>(child, isFirst, childLine);
+        });
         if (stopped()) return AbortScore;
-        if (score >= bounds.beta) {
-            ++statistics.cutoffs;
-            if (number == 1) ++statistics.cutoffsFirst;
+        if (best.cutsOff(move, score, childLine)) {
+            statistics.cutoffs.count(isFirst);
             updateKillers(board, move);
-            store(bounds, height, depth, score, move);
+            store(node, score, move);
             return score;
         }
-        if (score > best) {
-            best = score;
-            if (score > bounds.alpha) line.setTo(move, childLine);
-        }
+        afterMove(score);
+        isFirst = false;
     }
-    if (number == 0) return NoMoveScore;
-    store(bounds, height, depth, best, line.first());
-    return best;
+    if (isFirst) return node.inCheck ? node.height - MateScore : DrawScore;  // mate, stalemate
+    store(node, best.score(), line.first());
+    return best.score();
 }
 
 }  // namespace vatro

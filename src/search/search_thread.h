@@ -1,4 +1,4 @@
-// src/search/search_thread.h - a worker with a search of its own.
+// search/search_thread.h - a worker with a search of its own.
 #pragma once
 
 #include "search/searcher.h"
@@ -18,18 +18,16 @@ class SearchThread final : public WorkerThread {
           engine(engineToTell) {}
     ~SearchThread() override { quit(); }
 
-    /// Starts a search; the flags of an earlier one are cleared first, so that a stop that comes
-    /// right after is not lost.
-    void startSearch() {
-        searcher.clearFlags();
+    /// Starts a search of the game's position. What an earlier one left is cleared first, so that a
+    /// stop that comes right after is not lost.
+    void startSearch(const Board_0x88& gameBoard) {
+        searcher.prepare(gameBoard);
         start();
     }
-    /// Asks the search to end, and to play no move if `discard`; returns when it has ended.
-    void stopSearch(bool discard) {
-        if (!isBusy()) return;
+    /// Asks a running search to end, and to play no move if `discard`.
+    void requestStop(bool discard) {
         if (discard) searcher.discardFlag = true;
         searcher.stopFlag = true;
-        waitUntilIdle();
     }
 
     Searcher searcher;

@@ -1,4 +1,4 @@
-// src/search/tablebase_probe.cpp - asking the tablebases for the position on the board.
+// search/tablebase_probe.cpp - asking the tablebases for the position on the board.
 #include "search/node.h"
 
 namespace vatro {
@@ -11,47 +11,41 @@ void listPieces(const Board_0x88& board,
     unsigned count = 0;
     for (const Square square : board.pieceLists[colour].squares) {
         if (square == NoSquare) continue;
-        squares[count] = static_cast<std::uint8_t>(toSq64(square));
+        squares[count] = static_cast<std::uint8_t>(as64(square));
         types[count] = board.pieceOn[square];
         ++count;
     }
-    squares[count] = TablebaseState::NoSquare64;
+    squares[count] = TablebaseState::EndOfList;
     types[count] = NoPiece;
 }
 
 }  // namespace
 
 template <Colour Us>
-[[gnu::noinline]] bool Searcher::probeTablebases(bool mayReadDisk, int& score) {
-    if (board.castlingRights || !context.tablebases.initialised()) return false;
+[[gnu::noinline]] std::optional<int> Searcher::probeTablebases(bool mayReadDisk) {
+    if (board.castlingRights || !context.tablebases.initialised()) return std::nullopt;
     TablebaseState::Query query;
     query.sideToMove = Us;
-    query.epSquare =
-        board.epSquare == NoSquare ? TablebaseState::NoSquare64 : toSq64(board.epSquare);
+    query.epSquare = board.epSquare == NoSquare ? TablebaseState::NoEpSquare : as64(board.epSquare);
     listPieces(board, White, query.whiteSquares, query.whiteTypes);
     listPieces(board, Black, query.blackSquares, query.blackTypes);
     TablebaseState::Outcome outcome;
     unsigned plies;
-    if (!context.tablebases.probe(query, mayReadDisk, outcome, plies)) return false;
-    const int distance = static_cast<int>(plies);
-    switch (outcome) {
-        case TablebaseState::Draw:
-            score = DrawScore;
-            break;
-        case TablebaseState::WhiteMates:
-            score = Us == White ? MateScore - distance : distance - MateScore;
-            break;
-        case TablebaseState::BlackMates:
-            score = Us == Black ? MateScore - distance : distance - MateScore;
-            break;
-        default:
-            return false;
-    }
-    ++statistics.tbHits;
-    return true;
+    bool hasReadDisk;
+    const bool found = context.tablebases.probe(query, mayReadDisk, outcome, plies, &hasReadDisk);
+    // The disk may have taken as long as many thousand nodes.
+    if (hasReadDisk) lookAtClock();
+    if (!found) return std::nullopt;
+    if (outcome == TablebaseState::Unknown) return std::nullopt;
+    tbHits.store(tbHits.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+    if (outcome == TablebaseState::Draw) return DrawScore;
+    const int winnersScore = MateScore - static_cast<int>(plies);
+    const bool wins =
+        outcome == (Us == White ? TablebaseState::WhiteMates : TablebaseState::BlackMates);
+    return wins ? winnersScore : -winnersScore;
 }
 
-template bool Searcher::probeTablebases<White>(bool, int&);
-template bool Searcher::probeTablebases<Black>(bool, int&);
+template std::optional<int> Searcher::probeTablebases<White>(bool);
+template std::optional<int> Searcher::probeTablebases<Black>(bool);
 
 }  // namespace vatro

@@ -1,11 +1,11 @@
-// src/search/think.cpp - the task of every search thread for one search.
+// search/think.cpp - the task of every search thread for one search.
 //
 // Helpers only search. Thread 0 keeps the clock, takes a random or a book move where it may, and
-// hands the move over once the helpers are idle.
+// hands the move over. It is busy until the helpers are idle, but the move does not wait for them:
+// on a busy machine that can take as long as a short clock holds.
 #include <algorithm>
 #include <cstdint>
 
-#include "board/console.h"
 #include "board/move_generation.h"
 #include "search/chess_player.h"
 
@@ -22,7 +22,7 @@ void ChessPlayer::think(unsigned threadIndex, void* player) {
     if (threadIndex == 0) {
         self.thinkAndMove();
     } else {
-        self.threadPool[threadIndex]->searcher.iterativeDeepening(self.game.board);
+        self.threadPool[threadIndex]->searcher.iterativeDeepening();
     }
 }
 
@@ -30,14 +30,20 @@ void ChessPlayer::thinkAndMove() {
     timeControl.startSearch();
     if (timeControl.timed) {
         const TimePlan plan = planTime(timeControl, game.plyCount);
-        say(plan.text(timeControl, game.plyCount));
+        reporter.reportTimePlan(plan);
         timeControl.timeForMove = plan.max;
+        keepWithinClock();
     }
+    ponderMove = NoMove;
     const Move move = chooseMove();
     stopHelpers();
-    // A stop that came after the decision, or during a random or book move, counts as well.
-    if (move && engine && !threadPool[0]->searcher.discardFlag) engine->makeEngineMove(move);
+    reportTablebaseFaults();  // of files that broke during the search
+    if (move && engine) engine->makeEngineMove(move);
     timeControl.stop();
+    for (std::size_t i = 1; i < threadPool.size(); ++i) {
+        threadPool[i]->waitUntilIdle();
+    }
+    warmer.resume();
 }
 
 Move ChessPlayer::chooseMove() {
@@ -51,12 +57,12 @@ Move ChessPlayer::chooseMove() {
             Move move = NoMove;
             std::string error;
             const bool found = book.probe(game.board, move, error);
-            if (!error.empty()) say("ERROR: " + error + '\n');
+            if (!error.empty()) reporter.reportBookError(error);
             if (found) return move;
         }
     }
     giveTimeOutOfBook();
-    const SearchResult result = threadPool[0]->searcher.iterativeDeepening(game.board);
+    const SearchResult result = threadPool[0]->searcher.iterativeDeepening();
     ponderMove = result.reply;
     return result.best;
 }
@@ -72,18 +78,29 @@ void ChessPlayer::giveTimeOutOfBook() {
     const double more = timeControl.timeForMove * OutOfBookFactor;
     constexpr double Most = INT32_MAX;
     timeControl.timeForMove = static_cast<std::int32_t>(std::clamp(more, -Most, Most));
-    say("# out of book: corrected maxTime = " + std::to_string(timeControl.timeForMove) + '\n');
+    reporter.reportExtraTime(timeControl.timeForMove);
+    if (timeControl.timed) keepWithinClock();
+}
+
+void ChessPlayer::keepWithinClock() {
+    const auto limit = timeControl.limitTimeForMove(game.plyCount, threadCount() - 1);
+    if (limit) reporter.reportClockLimit(*limit);
+}
+
+void ChessPlayer::setTimeLeft(std::int32_t left) {
+    timeControl.setTimeLeft(left, game.plyCount);
+    if (timeControl.clockRunning) keepWithinClock();
 }
 
 void ChessPlayer::stopHelpers() {
     for (std::size_t i = 1; i < threadPool.size(); ++i) {
-        threadPool[i]->stopSearch(false);
+        threadPool[i]->requestStop(false);
     }
 }
 
 bool ChessPlayer::timeout() {
     if (!timeControl.timed || timeControl.searchTime() < timeControl.timeForMove) return false;
-    say("# timeout\n");
+    reporter.reportStop({StopReason::Timeout});
     return true;
 }
 

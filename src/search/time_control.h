@@ -1,17 +1,24 @@
-// src/search/time_control.h - the time control of a game and the engine's clock.
+// search/time_control.h - the time control of a game and the engine's clock.
 //
 // All times are centiseconds. The fields are atomic because an interface may set the time while a
-// search reads the clock; each is independent of the others, so relaxed order would do.
+// search reads the clock; the mutex keeps together those that make up the clock's reading.
 #pragma once
 
 #include <atomic>
 #include <cstdint>
-#include <string>
+#include <mutex>
+#include <optional>
 
 namespace vatro {
 
 /// Centiseconds on a steady clock, modulo 2^32; only differences mean something.
 std::uint32_t clockNow();
+
+/// The most that a move may take, whatever the plan says.
+struct ClockLimit {
+    std::int32_t held;         // what is left on the clock
+    std::int32_t timeForMove;  // for the whole search, with what it has used so far
+};
 
 struct TimeControl {
     std::atomic<bool> clockRunning{false};
@@ -35,18 +42,42 @@ struct TimeControl {
         return static_cast<std::int32_t>(clockNow() - searchStartedAt);
     }
 
-    /// Starts the clock for a search, or lets it run on, and marks the search's start.
+    /// Marks the start of a search. One against the clock starts it, or lets it run on.
     void startSearch();
-    /// Starts the clock from zero, for a measurement.
-    void restart();
     /// Stops the clock if it runs.
     void stop();
     /// What a new game begins with: 40 moves in five minutes, nothing used, no depth limit.
     void reset();
+    /// Nothing used yet: another game goes on from here.
+    void restartGame();
+
+    /// Sets the clock, which may be running: `left` is what remains of it before the move after
+    /// `plyCount` half-moves.
+    void setTimeLeft(std::int32_t left, std::uint32_t plyCount);
+    /// What remains is again what the time control and the time used make of it.
+    void forgetTimeLeft();
+    /// Lowers `timeForMove` to what the clock allows, if it is beyond that; the limit then. For the
+    /// move after `plyCount` half-moves with so many helper threads to stop. Any thread.
+    std::optional<ClockLimit> limitTimeForMove(std::uint32_t plyCount, unsigned helpers);
+
+  private:
+    std::uint32_t readingAt(std::uint32_t now) const;
+    std::int64_t timeLeft(std::uint32_t now, std::uint32_t plyCount) const;
+
+    mutable std::mutex mutex;              // clockRunning, timeUsed and clockStart change together
+    std::optional<std::int32_t> toldLeft;  // by setTimeLeft, under the mutex
+    std::uint32_t toldReading = 0;         // of the clock then
 };
 
-/// How the time for one move is found.
+/// How the time for one move is found. Times are centiseconds.
 struct TimePlan {
+    // From the time control and the game.
+    std::uint32_t movesPerSession;
+    std::uint32_t baseTime;
+    std::uint32_t increment;
+    std::uint32_t plyCount;
+
+    // What follows.
     std::uint32_t fullMoveNumber;
     std::uint32_t remainingMoves;  // up to the end of the session
     std::uint32_t sessions;        // begun so far, this one included
@@ -55,10 +86,10 @@ struct TimePlan {
     std::int32_t remaining;
     std::int32_t available;  // remaining time and the increments still to come
     std::int32_t max;        // for this move
-
-    /// The comment lines that report the plan.
-    std::string text(const TimeControl& control, std::uint32_t plyCount) const;
 };
+/// The plan for the move after `plyCount` half-moves.
 TimePlan planTime(const TimeControl& control, std::uint32_t plyCount);
+/// The same when the clock's reading is `elapsed`.
+TimePlan planTime(const TimeControl& control, std::uint32_t plyCount, std::uint32_t elapsed);
 
 }  // namespace vatro

@@ -1,4 +1,4 @@
-// src/search/transposition_table.h - search results by position, shared by all search threads.
+// search/transposition_table.h - search results by position, shared by all search threads.
 //
 // Threads read and write without locks. A word of an entry is the key XOR the other word, so an
 // entry torn between two writers does not match any key; a key that collides in all 64 bits still
@@ -7,19 +7,19 @@
 
 #include <atomic>
 #include <cstdint>
+#include <optional>
 
-#include "board/hash_table.h"
+#include "base/hash_table.h"
 #include "board/move.h"
 #include "board/types.h"
+#include "search/node_window.h"
 
 namespace vatro {
 
-enum class Bound : std::uint16_t { Exact = 1, LowerBound = 2, UpperBound = 3 };
-
-/// What a search knows about a position. Mate scores count from this position, not from the root.
+/// What a search has found out about a position.
 struct TTData {
-    Move move;
-    std::int16_t score;
+    Move move;           // the best one, NoMove for none
+    std::int16_t score;  // as scoreForTable gives it
     Bound bound;
     std::uint8_t depth;
     std::uint8_t age;  // low 8 bits of the root's ply when it was written
@@ -31,36 +31,12 @@ struct TTEntry {
     std::atomic<std::uint64_t> data;   // a TTData, never 0 in use: its bound is not
 
     bool isEmpty() const { return data.load(std::memory_order_relaxed) == 0; }
+    void touch() { touchWord(data); }
 };
 static_assert(sizeof(TTEntry) == 16);
 
-struct alignas(64) TTBucket {
-    static constexpr int Size = 4;
-    TTEntry entries[Size];
-};
-static_assert(sizeof(TTBucket) == 64);
-
-/// The answer to a probe.
-struct TTProbe {
-    bool hit = false;     // the position is in the table
-    bool cutoff = false;  // `score` decides the node
-    int score = 0;        // relative to the root
-    Move move = NoMove;
-};
-
-/// A search window and where it stands.
-struct NodeWindow {
-    int alpha;
-    int beta;
-    int height;  // plies above the root
-    int depth;   // plies left to search
-};
-
-/// The lowest and highest score that are still possible at a node.
-struct ScoreLimits {
-    int lowest;
-    int highest;
-};
+using TTBuckets = HashTable<TTEntry, 4>;
+static_assert(sizeof(TTBuckets::Bucket) == 64);  // a cache line
 
 class TranspositionTable {
   public:
@@ -68,33 +44,28 @@ class TranspositionTable {
     /// old table stays.
     [[nodiscard]] bool resize(unsigned megabytes) { return buckets.resize(megabytes); }
     unsigned sizeInMB() const { return buckets.sizeInMB(); }
-    bool exists() const { return buckets.exists(); }
+    std::uint64_t sizeInBytes() const { return buckets.sizeInBytes(); }
+    void clear() { buckets.clear(); }
+    void touch(std::uint64_t offset) { buckets.touch(offset); }
 
-    TTProbe probe(Key key, const NodeWindow& window) const;
-    /// Stores a result with the bound that follows from the window and the limits. `ply` is the
-    /// board's.
-    void store(Key key,
-               unsigned ply,
-               const ScoreLimits& limits,
-               const NodeWindow& window,
-               int score,
-               Move move);
+    /// What is stored for the position, if anything.
+    std::optional<TTData> probe(Key key) const;
+    /// Stores what is known now in place of what was known before, or of the bucket's least
+    /// valuable entry.
+    void store(Key key, const TTData& data);
     /// Fetches the bucket of a position that will be probed soon.
     void prefetch(Key key) const;
 
     /// Used entries among the first 65536, in percent.
-    double fillPercentage() const;
+    double fillPercentage() const { return buckets.fillPercentage(); }
 
   private:
-    std::uint32_t indexOf(Key key) const {
-        return static_cast<std::uint32_t>(key) & (buckets.entryCount() - 1);
-    }
-    HashTable<TTBucket> buckets;
+    TTBuckets buckets;
 };
 
 inline void TranspositionTable::prefetch(Key key) const {
 #if defined(__GNUC__)
-    __builtin_prefetch(&buckets[indexOf(key)]);
+    __builtin_prefetch(&buckets.bucketOf(key));
 #else
     static_cast<void>(key);
 #endif

@@ -1,4 +1,4 @@
-// src/search/worker_thread.cpp - the worker's loop and its handshakes.
+// search/worker_thread.cpp - the worker's loop and its handshakes.
 #include "search/worker_thread.h"
 
 namespace vatro {
@@ -21,8 +21,11 @@ void WorkerThread::run() {
     }
 }
 
+bool WorkerThread::create() {
+    return systemThread.start([this] { run(); });
+}
+
 void WorkerThread::start() {
-    if (!systemThread.joinable()) systemThread = std::thread([this] { run(); });
     const std::lock_guard lock(mutex);
     state = State::Running;
     changed.notify_all();
@@ -34,7 +37,7 @@ void WorkerThread::waitUntilIdle() {
 }
 
 void WorkerThread::quit() {
-    if (!systemThread.joinable()) return;
+    if (!systemThread.isRunning()) return;
     waitUntilIdle();
     {
         const std::lock_guard lock(mutex);

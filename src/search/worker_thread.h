@@ -1,11 +1,12 @@
-// src/search/worker_thread.h - a thread that waits, runs its task when told to, and waits again.
+// search/worker_thread.h - a thread that waits, runs its task when told to, and waits again.
 #pragma once
 
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
-#include <thread>
+
+#include "base/system_thread.h"
 
 namespace vatro {
 
@@ -29,8 +30,9 @@ class WorkerThread : public Thread {
 
     void run() override;
 
-    /// Wakes the worker to run its task; the system thread is made at the first start. The worker
-    /// must be idle.
+    /// Makes the system thread. False when the system gives none. Once, before anything else.
+    [[nodiscard]] bool create();
+    /// Wakes the worker to run its task. The worker must be idle.
     void start();
     /// Returns when the worker is idle.
     void waitUntilIdle();
@@ -52,7 +54,7 @@ class WorkerThread : public Thread {
     std::mutex mutex;
     std::condition_variable changed;        // of `state`
     std::atomic<State> state{State::Idle};  // written under the mutex
-    std::thread systemThread;
+    SystemThread systemThread;
 };
 
 }  // namespace vatro

@@ -3,7 +3,7 @@
 
 #include <cassert>
 
-#include "board/console.h"
+#include "base/console.h"
 #include "board/make_move.h"
 #include "board/move_generation.h"
 #include "board/side.h"

@@ -1,9 +1,7 @@
-// tools/perft_hash.cpp - creating, clearing and measuring the perft hash.
+// tools/perft_hash.cpp - creating and clearing the perft hash.
 #include "tools/perft_hash.h"
 
-#include <algorithm>
-
-#include "board/console.h"
+#include "base/console.h"
 
 namespace vatro {
 
@@ -15,17 +13,6 @@ bool PerftHashTable::prepare() {
     if (!buckets.resize(sizeMB)) return false;
     say(formatted("# new size of Perft hash: %u MB\n", buckets.sizeInMB()));
     return true;
-}
-
-double PerftHashTable::fillPercentage() const {
-    constexpr std::uint32_t Sample = 65536;  // entries
-    unsigned used = 0;
-    for (std::uint32_t i = 0; i < std::min(entryCount(), Sample) / PerftBucket::Size; ++i) {
-        for (const PerftEntry& entry : buckets[i].entries) {
-            if (!entry.isEmpty()) ++used;
-        }
-    }
-    return used * 100.0 / Sample;
 }
 
 }  // namespace vatro

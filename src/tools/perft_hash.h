@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-#include "board/hash_table.h"
+#include "base/hash_table.h"
 #include "board/types.h"
 
 namespace vatro {
@@ -21,12 +21,8 @@ struct PerftEntry {
 };
 static_assert(sizeof(PerftEntry) == 16);
 
-/// Four entries that one key can use; one cache line.
-struct alignas(64) PerftBucket {
-    static constexpr int Size = 4;
-    PerftEntry entries[Size];
-};
-static_assert(sizeof(PerftBucket) == 64);
+using PerftBuckets = HashTable<PerftEntry, 4>;
+static_assert(sizeof(PerftBuckets::Bucket) == 64);  // a cache line
 
 class PerftHashTable {
   public:
@@ -35,37 +31,34 @@ class PerftHashTable {
     /// The size takes effect when the table is created.
     explicit PerftHashTable(unsigned megabytes = DefaultSizeMB) : sizeMB(megabytes) {}
 
-    /// Gives an empty table: creates it at the first call and says its size, clears it later.
-    /// False when there is no memory for it; it cannot be used then.
+    /// Empties the table; the first call creates it and prints its size. False when there is no
+    /// memory for it; it cannot be used then.
     [[nodiscard]] bool prepare();
 
     /// The entry that answers for `key` at `depth`, nullptr when there is none.
     const PerftEntry* probe(Key key, unsigned depth) const;
     void store(Key key, std::uint64_t leafCount, unsigned depth);
 
-    std::uint32_t entryCount() const { return buckets.entryCount() * PerftBucket::Size; }
+    std::uint32_t entryCount() const { return buckets.entryCount(); }
     /// Used entries among the first 65536, in percent of 65536.
-    double fillPercentage() const;
+    double fillPercentage() const { return buckets.fillPercentage(); }
 
   private:
-    std::uint32_t bucketOf(Key key) const {
-        return static_cast<std::uint32_t>(key) & (buckets.entryCount() - 1);
-    }
     static std::uint64_t keyBitsOf(Key key) { return key & 0xFFFFFFFFFFFFULL; }
 
-    HashTable<PerftBucket> buckets;
+    PerftBuckets buckets;
     unsigned sizeMB;
 };
 
 inline const PerftEntry* PerftHashTable::probe(Key key, unsigned depth) const {
-    for (const PerftEntry& entry : buckets[bucketOf(key)].entries) {
+    for (const PerftEntry& entry : buckets.bucketOf(key).entries) {
         if (entry.keyBits() == keyBitsOf(key)) return entry.depth() == depth ? &entry : nullptr;
     }
     return nullptr;
 }
 
 inline void PerftHashTable::store(Key key, std::uint64_t leafCount, unsigned depth) {
-    PerftBucket& bucket = buckets[bucketOf(key)];
+    PerftBuckets::Bucket& bucket = buckets.bucketOf(key);
     PerftEntry* chosen = nullptr;
     for (PerftEntry& entry : bucket.entries) {
         if (entry.keyBits() == keyBitsOf(key)) {

@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "board/console.h"
+#include "base/console.h"
 
 namespace vatro {
 namespace {

@@ -5,7 +5,7 @@
 
 namespace vatro {
 
-/// Plays `games` (1 or more) games from the start position with moves drawn by std::rand, prints a
+/// Plays `games` (1 or more) games from the start position with moves drawn at random, prints a
 /// mark now and then while it runs and the statistics at the end. A game ends with mate, stalemate,
 /// any draw by rule, a position that repeats, or when the record of moves is full. Leaves the start
 /// position and an empty record.

@@ -6,26 +6,25 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <utility>
 
+#include "base/console.h"
+#include "base/random.h"
 #include "board/attacks.h"
-#include "board/console.h"
 #include "board/side.h"
 
 namespace vatro {
 namespace {
 
 /// 0 to limit - 1.
-int draw(int limit) { return std::rand() % limit; }
+int draw(int limit) { return static_cast<int>(randomBelow(static_cast<unsigned>(limit))); }
 bool drawOneIn(int n) { return draw(n) == 0; }
 
-/// A sq64 with no piece on it.
-int drawEmptySquare(const Board_0x88& board) {
+Square drawEmptySquare(const Board_0x88& board) {
     for (;;) {
-        const int sq64 = draw(64);
-        if (board.pieceOn[toSquare(sq64)] == NoPiece) return sq64;
+        const Square square = as88(static_cast<Square64>(draw(64)));
+        if (board.pieceOn[square] == NoPiece) return square;
     }
 }
 
@@ -67,9 +66,7 @@ class PositionDraw {
         material[White] = drawMaterial();
         material[Black] = drawMaterial();
         if (!placePawns<White>() || !placePawns<Black>() || pawnsHavePassed()) return false;
-        for (const Colour colour : {White, Black}) {
-            if (!placePieces(colour)) return false;
-        }
+        if (!placePieces<White>() || !placePieces<Black>()) return false;
         board.sideToMove = static_cast<std::uint8_t>(draw(2));
         return board.sideToMove == White ? finish<White>() : finish<Black>();
     }
@@ -80,7 +77,8 @@ class PositionDraw {
     template <Colour Us>
     bool placePawns();
     bool pawnsHavePassed() const;
-    bool placePieces(Colour colour);
+    template <Colour Us>
+    bool placePieces();
     template <Colour Us>
     bool finish();
     template <Colour Us>
@@ -114,9 +112,9 @@ bool PositionDraw::placePawns() {
         } else {
             homeFileRank[Us][file] = rank;
         }
-        const int square = rank * 16 + file;
+        const Square square = squareAt(file, rank);
         if (!isOnBoard(square) || board.pieceOn[square] != NoPiece) return false;
-        board.addPiece(static_cast<Square>(square), Pawn, Us);
+        board.addPiece(square, Pawn, Us);
     }
     return true;
 }
@@ -131,19 +129,20 @@ bool PositionDraw::pawnsHavePassed() const {
     return false;
 }
 
-bool PositionDraw::placePieces(Colour colour) {
-    Material left = material[colour];
-    const int home = colour == White ? 0 : 56;  // sq64 of the side's a1
-    const auto place = [&](int sq64, PieceType type) {
+template <Colour Us>
+bool PositionDraw::placePieces() {
+    using S = Side<Us>;
+    Material left = material[Us];
+    const auto place = [&](Square square, PieceType type) {
         --left.counts[type];
-        return board.addPiece(toSquare(sq64), type, colour);
+        return board.addPiece(square, type, Us);
     };
-    // A king at home, with its rooks if it has them, is what castling needs; chance is too rare.
-    if (drawOneIn(3) && board.pieceOn[toSquare(home + 4)] == NoPiece) {
-        if (!place(home + 4, King)) return false;
-        for (const int rook : {home, home + 7}) {
+    // Castling needs king and rooks at home, where chance alone rarely puts them.
+    if (drawOneIn(3) && board.pieceOn[S::KingHome] == NoPiece) {
+        if (!place(S::KingHome, King)) return false;
+        for (const Square rook : {S::home(A1), S::home(H1)}) {
             if (left.counts[Rook] == 0 || drawOneIn(4)) continue;
-            if (board.pieceOn[toSquare(rook)] == NoPiece && !place(rook, Rook)) return false;
+            if (board.pieceOn[rook] == NoPiece && !place(rook, Rook)) return false;
         }
     }
     for (int type = King; type > Pawn; --type) {
@@ -151,30 +150,31 @@ bool PositionDraw::placePieces(Colour colour) {
             if (!place(drawEmptySquare(board), static_cast<PieceType>(type))) return false;
         }
     }
-    // Two bishops of one square colour are the work of a promotion.
+    // A second bishop on squares of the same colour comes from a promotion.
     constexpr SquareMask darkSquares = 0xAA55AA55AA55AA55ULL;
-    const SquareMask bishops = board.pieceMask[colour][Bishop];
+    const SquareMask bishops = board.pieceMask[Us][Bishop];
     const int dark = countSquares(bishops & darkSquares);
     const int light = countSquares(bishops & ~darkSquares);
     int promoted = std::max(dark - 1, 0) + std::max(light - 1, 0);
-    promoted += std::max(board.count(colour, Knight) - 2, 0);
-    promoted += std::max(board.count(colour, Rook) - 2, 0);
-    promoted += std::max(board.count(colour, Queen) - 1, 0);
-    return promoted <= material[colour].promoted;
+    promoted += std::max(board.count(Us, Knight) - 2, 0);
+    promoted += std::max(board.count(Us, Rook) - 2, 0);
+    promoted += std::max(board.count(Us, Queen) - 1, 0);
+    return promoted <= material[Us].promoted;
 }
 
 /// With `Us` to move: is the position legal, and which rights and clock does it get?
 template <Colour Us>
 bool PositionDraw::finish() {
     using S = Side<Us>;
-    const int king = toSq64(board.kingSquare(Us));
-    if (kingDistance(king, toSq64(board.kingSquare(S::Them))) < 2) return false;
+    const Square64 king = as64(board.kingSquare(Us));
+    if (kingDistance(king, as64(board.kingSquare(S::Them))) < 2) return false;
     if (findCheckers<S::Them>(board)) return false;
     const SquareMask checkers = findCheckers<Us>(board);
-    // Few double checks can come about, so none is drawn; and a pawn gives check only by moving.
+    // Few double checks can arise in play, so none is drawn. A pawn that gives check has just
+    // moved, so it does not stand on its second rank.
     if (checkers & (checkers - 1)) return false;
     const bool checkedByPawn = (checkers & board.pieceMask[S::Them][Pawn]) != 0;
-    if (checkedByPawn && rankOf64(lowestSquare(checkers)) == S::relativeRank(6)) return false;
+    if (checkedByPawn && rankOf(lowestSquare(checkers)) == S::relativeRank(6)) return false;
     drawCastlingRights<White>();
     drawCastlingRights<Black>();
     drawEnPassant<Us>();
@@ -190,12 +190,12 @@ void PositionDraw::drawCastlingRights() {
     if (board.kingSquare(Us) != S::KingHome) return;
     const SquareMask rooks = board.pieceMask[Us][Rook];
     for (const auto& [rook, right] : {std::pair(H1, S::KingSide), std::pair(A1, S::QueenSide)}) {
-        if (!(rooks & maskOf(toSq64(S::home(rook)))) || drawOneIn(4)) continue;
+        if (!(rooks & maskOf(S::home(rook))) || drawOneIn(4)) continue;
         board.castlingRights = static_cast<std::uint8_t>(board.castlingRights | right);
     }
 }
 
-/// Says of a pawn of the side that has just moved, one that could have, that it made a double step.
+/// Sets the en-passant square behind a pawn that can just have made a double step, if there is one.
 template <Colour Us>
 void PositionDraw::drawEnPassant() {
     constexpr Colour Pusher = Side<Us>::Them;
@@ -203,25 +203,25 @@ void PositionDraw::drawEnPassant() {
     for (int file = 0; file < 8; ++file) {
         const int rank = S::relativeRank(3);
         if (homeFileRank[Pusher][file] != rank || drawOneIn(3)) continue;
-        const int to = rank * 16 + file;
-        const int passed = to - S::Up;
-        const int from = passed - S::Up;
+        const Square to = squareAt(file, rank);
+        const Square passed = to - S::Up;
+        const Square from = passed - S::Up;
         if (board.pieceOn[passed] != NoPiece || board.pieceOn[from] != NoPiece) continue;
-        if (!(pawnAttacks[Pusher][toSq64(passed)] & board.pieceMask[Us][Pawn])) continue;
+        if (!(pawnAttacks[Pusher][as64(passed)] & board.pieceMask[Us][Pawn])) continue;
         // Before the double step it was the pusher's turn, so this king was not in check.
-        const SquareMask mover = maskOf(toSq64(to));
-        const SquareMask occupied = (board.occupied() ^ mover) | maskOf(toSq64(from));
-        const int king = toSq64(board.kingSquare(Us));
+        const SquareMask mover = maskOf(to);
+        const SquareMask occupied = (board.occupied() ^ mover) | maskOf(from);
+        const Square64 king = as64(board.kingSquare(Us));
         const SquareMask checkers = attackersOf<Pusher>(board, king, occupied) & ~mover;
-        if (checkers || (pawnAttacks[Pusher][toSq64(from)] & maskOf(king))) continue;
-        board.epSquare = static_cast<std::uint8_t>(passed);
+        if (checkers || (pawnAttacks[Pusher][as64(from)] & maskOf(king))) continue;
+        board.epSquare = passed;
         return;
     }
 }
 
 std::string drawFEN(Board_0x88& board) {
     setupRandomPosition(board);
-    // Late enough for as many captures as pieces are missing.
+    // A move number late enough for as many captures as pieces are missing.
     return board.toFEN(static_cast<unsigned>(25 + draw(50)));
 }
 

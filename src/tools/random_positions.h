@@ -7,7 +7,7 @@
 
 namespace vatro {
 
-/// Draws a position with std::rand and sets it on the board: one king each, the side not to move
+/// Draws a position and sets it on the board: one king each, the side not to move
 /// not in check, counts of pieces that promotions explain, pawns where captures can have led them,
 /// castling rights and en-passant square true to the board.
 void setupRandomPosition(Board_0x88& board);

@@ -4,7 +4,7 @@
 #include <chrono>
 #include <cstdint>
 
-#include "board/console.h"
+#include "base/console.h"
 #include "tools/perft.h"
 
 namespace vatro {

@@ -1,8 +1,9 @@
-// Attacks and legality, held against slower definitions of the same.
+// tests/board/attacks_test.cpp - attacks and legality, held against slower definitions of the same.
 #include "board/attacks.h"
 
 #include <set>
 
+#include "board/legality.h"
 #include "support.h"
 
 namespace vatro {
@@ -10,7 +11,7 @@ namespace {
 
 /// Walks from the square as a piece would; knows nothing of masks.
 bool isAttackedByWalking(const Board_0x88& board, Square square, Colour by) {
-    const auto holds = [&](int where, PieceType type) {
+    const auto holds = [&](Square where, PieceType type) {
         return isOnBoard(where) && board.pieceOn[where] == type && board.colourOn[where] == by;
     };
     const int behind = by == White ? -16 : 16;
@@ -20,7 +21,7 @@ bool isAttackedByWalking(const Board_0x88& board, Square square, Colour by) {
     }
     for (const int direction : kingNeighbours) {
         if (holds(square + direction, King)) return true;
-        int where = square + direction;
+        Square where = square + direction;
         while (isOnBoard(where) && board.pieceOn[where] == NoPiece) {
             where += direction;
         }
@@ -46,11 +47,11 @@ void overRandomGames(int games, unsigned plies, Check check) {
 
 TEST(Attacks, AreWhatAWalkFromTheSquareFinds) {
     overRandomGames(4, 100, [](const Board_0x88& board) {
-        for (int sq64 = 0; sq64 < 64; ++sq64) {
+        for (const Square64 square : allSquares) {
             for (const Colour by : {White, Black}) {
-                ASSERT_EQ(isAttacked(board, toSquare(sq64), by),
-                          isAttackedByWalking(board, toSquare(sq64), by))
-                    << board.toFEN() << ' ' << sq64;
+                ASSERT_EQ(isAttacked(board, as88(square), by),
+                          isAttackedByWalking(board, as88(square), by))
+                    << board.toFEN() << ' ' << squareText(square);
             }
         }
     });
@@ -76,7 +77,9 @@ TEST(Legality, AcceptsExactlyTheGeneratedMovesOfAllWords) {
 }
 
 TEST(Legality, LegalMeansTheOwnKingIsSafeAfterIt) {
-    overRandomGames(2, 60, [](const Board_0x88& board) {
+    int legal = 0;
+    int illegal = 0;
+    overRandomGames(2, 60, [&](const Board_0x88& board) {
         const Colour us = board.toMove();
         if (!board.hasKing(us)) return;
         const PinInfo info = computePins(board);
@@ -89,8 +92,11 @@ TEST(Legality, LegalMeansTheOwnKingIsSafeAfterIt) {
             const bool safe = !isAttackedByWalking(*copy, copy->kingSquare(us), ~us);
             unmakeMove(*copy, move, undo);
             ASSERT_EQ(isLegal(board, move, info), safe) << board.toFEN() << ' ' << moveToText(move);
+            ++(safe ? legal : illegal);
         }
     });
+    EXPECT_GT(legal, 1000);
+    EXPECT_GT(illegal, 1000);
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// Draws by rule, and the count of repetitions that the search and the game read.
+// tests/board/draw_test.cpp - draws by rule, and the count of repetitions that the search and the
+// game read.
 #include "board/draw.h"
 
 #include "board/game.h"

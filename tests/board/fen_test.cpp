@@ -1,4 +1,5 @@
-// The reader is strict about form and lenient about chess; what it accepts must be a sound board.
+// tests/board/fen_test.cpp - the reader is strict about form and lenient about chess; what it
+// accepts must be a sound board.
 #include <cstdlib>
 #include <utility>
 
@@ -14,7 +15,7 @@ TEST(FenReader, SetsUpTheStartPosition) {
     EXPECT_EQ(board->epSquare, NoSquare);
     EXPECT_EQ(board->halfmoveClock, 0);
     const Square inSlots[SlotCount] = {E1, D1, A1, H1, C1, F1, B1, G1,
-                                       16, 17, 18, 19, 20, 21, 22, 23};
+                                       A2, B2, C2, D2, E2, F2, G2, H2};
     for (int slot = 0; slot < SlotCount; ++slot) {
         EXPECT_EQ(board->pieceLists[White].squares[slot], inSlots[slot]) << slot;
     }
@@ -97,12 +98,12 @@ TEST(FenReader, RefusesMalformedFields) {
 }
 
 TEST(FenReader, SetsTheEnPassantSquareOnlyWhereAPawnCanCapture) {
-    const std::pair<const char*, int> cases[] = {
+    const std::pair<const char*, Square> cases[] = {
         {"4k3/8/8/8/4P3/8/8/4K3 b - e3 0 1", NoSquare},
-        {"4k3/8/8/8/3pP3/8/8/4K3 b - e3 0 1", 0x24},
-        {"4k3/8/8/8/4Pp2/8/8/4K3 b - e3 0 1", 0x24},
+        {"4k3/8/8/8/3pP3/8/8/4K3 b - e3 0 1", E3},
+        {"4k3/8/8/8/4Pp2/8/8/4K3 b - e3 0 1", E3},
         {"4k3/8/8/8/P6p/8/8/4K3 b - a3 0 1", NoSquare},  // beside it across the edge of the board
-        {"4k3/8/8/3PpP2/8/8/8/4K3 w - e6 0 1", 0x54},
+        {"4k3/8/8/3PpP2/8/8/8/4K3 w - e6 0 1", E6},
         {"4k3/8/8/3nPn2/8/8/8/4K3 b - - 0 1", NoSquare},
     };
     for (const auto& [fen, square] : cases) {

@@ -1,4 +1,4 @@
-// The record of a game.
+// tests/board/game_test.cpp - the record of a game.
 #include "board/game.h"
 
 #include "support.h"

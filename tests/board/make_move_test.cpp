@@ -1,4 +1,5 @@
-// Make and unmake: incremental values against values from scratch, and nothing left behind.
+// tests/board/make_move_test.cpp - make and unmake: incremental values against values from scratch,
+// and nothing left behind.
 #include "board/make_move.h"
 
 #include <vector>
@@ -115,7 +116,7 @@ TEST(MakeMove, GivesTheRightPosition) {
 
 TEST(MakeMove, ASecondQueenStandsInThePawnsSlot) {
     const auto board = boardOf("3nk3/4P3/8/8/8/8/P7/3QK3 w - - 0 1");
-    const int slot = board->slotOn[0x64];
+    const int slot = board->slotOn[E7];
     UndoRecord undo;
     const Move move = findMove(*board, "e7d8q");
     makeMove(*board, move, undo);
@@ -123,8 +124,17 @@ TEST(MakeMove, ASecondQueenStandsInThePawnsSlot) {
     EXPECT_EQ(board->pieceLists[White].counts[PieceList::Surplus], 1);
     EXPECT_EQ(board->count(White, Queen), 2);
     unmakeMove(*board, move, undo);
-    EXPECT_EQ(board->slotOn[0x64], slot);
+    EXPECT_EQ(board->slotOn[E7], slot);
     EXPECT_EQ(board->pieceLists[White].counts[PieceList::Surplus], 0);
+}
+
+TEST(MakeMove, TheClockStaysAtTheEndOfItsRange) {
+    const auto board = boardOf("4k3/8/8/8/8/8/8/R3K2R w KQ - 254 200");
+    for (const char* text : {"e1g1", "e8d8", "a1a2"}) {
+        UndoRecord undo;
+        makeMove(*board, findMove(*board, text), undo);
+        EXPECT_EQ(board->halfmoveClock, 255);
+    }
 }
 
 TEST(MakeMove, ANullMoveChangesOnlyTheSideTheClockAndEnPassant) {

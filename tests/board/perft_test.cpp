@@ -1,4 +1,5 @@
-// Published leaf counts: the strongest check of generation, make and unmake together.
+// tests/board/perft_test.cpp - published leaf counts: the strongest check of generation, make and
+// unmake together.
 #include <cstdint>
 
 #include "support.h"

@@ -1,4 +1,5 @@
-// The keys must be those of the C library's generator, where that is the common one on Linux.
+// tests/board/zobrist_test.cpp - the keys must be those of the C library's generator, where that is
+// the common one on Linux.
 #include "board/zobrist.h"
 
 #include <cstdlib>
@@ -22,8 +23,8 @@ TEST(Zobrist, KeysComeFromTheLibrarysGenerator) {
     std::srand(327641845);
     for (const Colour colour : {White, Black}) {
         for (int type = Pawn; type <= King; ++type) {
-            for (int sq64 = 0; sq64 < 64; ++sq64) {
-                ASSERT_EQ(zobrist.pieceSquare(colour, static_cast<PieceType>(type), sq64),
+            for (const Square64 square : allSquares) {
+                ASSERT_EQ(zobrist.pieceSquare(colour, static_cast<PieceType>(type), square),
                           sixCalls());
             }
         }

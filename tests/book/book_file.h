@@ -12,14 +12,9 @@
 #include <gtest/gtest.h>
 
 #include "board/board.h"
+#include "support.h"
 
 namespace vatro::test {
-
-inline Board_0x88 boardOf(const std::string& fen) {
-    Board_0x88 board;
-    EXPECT_TRUE(board.setupFromFEN(fen.c_str())) << fen;
-    return board;
-}
 
 /// The book's word for a move in coordinate notation, castling as the king's capture of its rook.
 inline std::uint16_t bookMove(const std::string& text) {

@@ -12,7 +12,7 @@
 namespace vatro {
 namespace {
 
-std::set<Move> legalMoves(const Board_0x88& board) {
+std::set<Move> legalMoveWords(const Board_0x88& board) {
     MoveList list;
     generateLegalMoves(board, list);
     std::set<Move> moves;
@@ -39,8 +39,8 @@ TEST(BookMove, EveryWordIsALegalMoveOrNone) {
     };
     for (const char* fen : positions) {
         SCOPED_TRACE(fen);
-        const Board_0x88 board = test::boardOf(fen);
-        const std::set<Move> legal = legalMoves(board);
+        const Board_0x88 board = *boardOf(fen);
+        const std::set<Move> legal = legalMoveWords(board);
         std::set<Move> reached;
         for (unsigned word = 0; word <= 0xFFFF; ++word) {
             const Move move = fromBookMove(board, static_cast<std::uint16_t>(word));
@@ -68,30 +68,30 @@ TEST(BookMove, IsReadAsTheFormatWritesIt) {
         {blackCastling, "e8a8", 0xEEBC},
         {blackCastling, "e8c8", 0xEEBC},
         // Other moves between these squares, and castling that the position forbids.
-        {"4k3/8/8/8/8/8/8/4R2r w - - 0 1", "e1h1", makeMoveWord(4, 7)},
-        {"4k3/8/8/8/8/8/6K1/4q2R b - - 0 1", "e1h1", makeMoveWord(4, 7)},
+        {"4k3/8/8/8/8/8/8/4R2r w - - 0 1", "e1h1", makeMoveWord(E1, H1)},
+        {"4k3/8/8/8/8/8/6K1/4q2R b - - 0 1", "e1h1", makeMoveWord(E1, H1)},
         {"4k3/8/8/8/8/8/8/4K2R w - - 0 1", "e1h1", NoMove},
         {"4k3/8/8/8/8/8/8/R3K3 w - - 0 1", "e1c1", NoMove},
         {castling, "e8h8", NoMove},
         // Promotions: a piece for every code, and only for a pawn that promotes.
-        {"3r4/4P3/8/8/8/8/8/K1k5 w - - 0 1", "e7e8n", makePromotion(52, 60, Knight)},
-        {"3r4/4P3/8/8/8/8/8/K1k5 w - - 0 1", "e7d8b", makePromotion(52, 59, Bishop)},
-        {"K1k5/8/8/8/8/8/4p3/8 b - - 0 1", "e2e1r", makePromotion(12, 4, Rook)},
-        {"K1k5/8/8/8/8/8/4p3/3R4 b - - 0 1", "e2d1q", makePromotion(12, 3, Queen)},
+        {"3r4/4P3/8/8/8/8/8/K1k5 w - - 0 1", "e7e8n", makePromotion(E7, E8, Knight)},
+        {"3r4/4P3/8/8/8/8/8/K1k5 w - - 0 1", "e7d8b", makePromotion(E7, D8, Bishop)},
+        {"K1k5/8/8/8/8/8/4p3/8 b - - 0 1", "e2e1r", makePromotion(E2, E1, Rook)},
+        {"K1k5/8/8/8/8/8/4p3/3R4 b - - 0 1", "e2d1q", makePromotion(E2, D1, Queen)},
         {"3r4/4P3/8/8/8/8/8/K1k5 w - - 0 1", "e7e8", NoMove},
         {"3r4/4R3/8/8/8/8/8/K1k5 w - - 0 1", "e7e8q", NoMove},
         {castling, "e1h1q", NoMove},
         // A double step can be captured, a single one cannot.
-        {startPositionFEN, "e2e4", makeMoveWord(12, 28, Normal, DoubleStep)},
-        {startPositionFEN, "e2e3", makeMoveWord(12, 20)},
-        {"4k3/4p3/8/8/8/8/8/4K3 b - - 0 1", "e7e5", makeMoveWord(52, 36, Normal, DoubleStep)},
-        {"4k3/8/8/3pP3/8/8/8/4K3 w - d6 0 1", "e5d6", makeMoveWord(36, 43, EnPassant)},
-        {"4k3/8/8/8/3pP3/8/8/4K3 b - e3 0 1", "d4e3", makeMoveWord(27, 20, EnPassant)},
+        {startPositionFEN, "e2e4", makeMoveWord(E2, E4, Normal, DoubleStep)},
+        {startPositionFEN, "e2e3", makeMoveWord(E2, E3)},
+        {"4k3/4p3/8/8/8/8/8/4K3 b - - 0 1", "e7e5", makeMoveWord(E7, E5, Normal, DoubleStep)},
+        {"4k3/8/8/3pP3/8/8/8/4K3 w - d6 0 1", "e5d6", makeMoveWord(E5, D6, EnPassant)},
+        {"4k3/8/8/8/3pP3/8/8/4K3 b - e3 0 1", "d4e3", makeMoveWord(D4, E3, EnPassant)},
         {"4k3/8/8/3pP3/8/8/8/4K3 w - - 0 1", "e5d6", NoMove},
     };
     for (const auto& [fen, move, word] : cases) {
         SCOPED_TRACE(std::string(fen) + " " + move);
-        EXPECT_EQ(fromBookMove(test::boardOf(fen), test::bookMove(move)), word);
+        EXPECT_EQ(fromBookMove(*boardOf(fen), test::bookMove(move)), word);
     }
 }
 

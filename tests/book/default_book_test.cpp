@@ -57,7 +57,7 @@ TEST(DefaultBook, HoldsLegalMovesOfPositionsThatItReaches) {
     const std::string bytes{std::istreambuf_iterator<char>(file), {}};
     ASSERT_GT(bytes.size(), 0U);
     BookWalk walk(bytes);
-    Board_0x88 board = test::boardOf(startPositionFEN);
+    Board_0x88 board = *boardOf(startPositionFEN);
     walk.visit(board);
     EXPECT_EQ(walk.visited.size(), walk.moves.size());
     EXPECT_GE(walk.moves[bookKey(board)].size(), 4U) << "first moves to choose from";

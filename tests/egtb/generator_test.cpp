@@ -1,9 +1,15 @@
 // tests/egtb/generator_test.cpp - whole tables, and what may go wrong while they are made.
 #include "egtb/generator/generator.h"
 
+#include <atomic>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <functional>
+#include <optional>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -16,6 +22,13 @@ namespace {
 
 bool acceptPart(double) { return true; }
 
+Status makeIn(const std::string& directory, const std::vector<Material>& list) {
+    GeneratorOptions options;
+    options.directory = directory;
+    GeneratorListener listener;
+    return makeTables(list, options, listener);
+}
+
 std::size_t filesIn(const std::string& directory) {
     return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(directory),
                                                   std::filesystem::directory_iterator()));
@@ -26,9 +39,9 @@ TEST(Generator, LongestMatesAreThoseOfTheLiterature) {
                                                  {"KBNK", 33}, {"KQKR", 35}, {"KBK", 0}};
     for (const auto& [ending, moves] : cases) {
         TableStatistics statistics;
-        std::string error;
-        ASSERT_TRUE(countTable(smallTables(), *parseMaterial(ending), 2, statistics, error))
-            << error;
+        const Status status =
+            countTable(smallTables(), *parseMaterial(ending), Workers{2}, statistics);
+        ASSERT_TRUE(status.isGood()) << status.line();
         EXPECT_EQ((statistics.side[White].longestWin + 1) / 2, moves) << ending;
         EXPECT_EQ(statistics.side[Black].longestLoss, 2 * moves) << ending;
     }
@@ -36,8 +49,9 @@ TEST(Generator, LongestMatesAreThoseOfTheLiterature) {
 
 void expectVerified(const std::string& directory, const std::vector<std::string>& endings) {
     for (const std::string& ending : endings) {
-        std::string error;
-        EXPECT_TRUE(verifyTable(directory, *parseMaterial(ending), 2, acceptPart, error)) << error;
+        const Status status =
+            verifyTable(directory, *parseMaterial(ending), Workers{2}, acceptPart);
+        EXPECT_TRUE(status.isGood()) << status.line();
     }
 }
 
@@ -52,8 +66,7 @@ TEST(FourPieces, EveryValueFollowsFromTheMoves) {
 TEST(Generator, VerificationFindsAWrongValue) {
     const Material material = *parseMaterial("KRK");
     LoadedTable table;
-    std::string error;
-    ASSERT_TRUE(table.load(smallTables(), material, 1, error));
+    ASSERT_TRUE(table.load(smallTables(), material, Workers{}).isGood());
     std::vector<std::uint8_t> codes;
     const PositionIndex index(material);
     for (std::uint64_t number = 0; number < 2 * index.size(); ++number) {
@@ -64,102 +77,226 @@ TEST(Generator, VerificationFindsAWrongValue) {
     }
     TemporaryDirectory directory;
     writeTableOf(directory.path(), "KRK", codes);
-    EXPECT_TRUE(verifyTable(directory.path(), material, 1, acceptPart, error)) << error;
-    // Black is mated on b1 by a rook on a1: in three moves instead.
-    const Position mate = positionOf("8/8/8/8/8/1K6/8/Rk6 b");
+    Status status = verifyTable(directory.path(), material, Workers{}, acceptPart);
+    EXPECT_TRUE(status.isGood()) << status.line();
+    // A mate is stored as a loss in three moves.
+    const Position mate = positionOf("8/8/8/8/8/1K6/8/1k2R3 b");
     const std::uint64_t at = index.size() + index.encode(mate);
     codes[at] = codeOfPlies(6);
     writeTableOf(directory.path(), "KRK", codes);
-    EXPECT_FALSE(verifyTable(directory.path(), material, 1, acceptPart, error));
-    EXPECT_FALSE(error.empty());
+    status = verifyTable(directory.path(), material, Workers{}, acceptPart);
+    EXPECT_NE(status.line().find(" is stored as "), std::string::npos) << status.line();
 }
 
-TEST(Generator, FinishedTablesAreKeptAndDamagedOnesMadeAgain) {
+TEST(Generator, FinishedTablesAreKept) {
     TemporaryDirectory directory;
-    GeneratorOptions options;
-    options.directory = directory.path();
     const std::vector<Material> list = allMaterials(3);
-    std::string error;
-    ASSERT_TRUE(makeTables(list, options, error)) << error;
+    ASSERT_TRUE(makeIn(directory.path(), list).isGood());
     const std::string kept = tablePath(directory.path(), *parseMaterial("KQK"));
-    const std::string damaged = tablePath(directory.path(), *parseMaterial("KRK"));
-    const std::vector<std::uint8_t> whole = readFile(damaged);
     const auto oldTime = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
     std::filesystem::last_write_time(kept, oldTime);
-    std::filesystem::resize_file(damaged, whole.size() / 2);
-    ASSERT_TRUE(makeTables(list, options, error)) << error;
+    ASSERT_TRUE(makeIn(directory.path(), list).isGood());
     EXPECT_EQ(std::filesystem::last_write_time(kept), oldTime);
-    EXPECT_EQ(readFile(damaged), whole) << "the same on every run";
 }
+
+/// Stops the work after some steps.
+struct Interrupter : GeneratorListener {
+    int stepsLeft = 0;
+
+    bool advances(const char*, double part) override {
+        EXPECT_GE(part, 0);
+        EXPECT_LE(part, 1);
+        return --stepsLeft >= 0;
+    }
+};
 
 TEST(Generator, InterruptedRunLeavesNothingHalfMadeAndIsResumed) {
     TemporaryDirectory directory;
     GeneratorOptions options;
     options.directory = directory.path();
-    options.threads = 2;
+    options.workers.threads = 2;
     const std::vector<Material> list = {*parseMaterial("KQK"), *parseMaterial("KRK")};
     // Stopped at each step in turn, at last at none.
-    std::string error;
     int steps = 0;
     for (int allowed = 0;; ++allowed) {
-        int left = allowed;
-        options.progress = [&](const TableProgress& progress) {
-            EXPECT_GE(progress.part, 0);
-            EXPECT_LE(progress.part, 1);
-            return --left >= 0;
-        };
-        const bool isDone = makeTables(list, options, error);
+        Interrupter interrupter;
+        interrupter.stepsLeft = allowed;
+        const Status status = makeTables(list, options, interrupter);
         std::size_t complete = 0;
         for (const Material& material : list) {
-            complete += tableState(directory.path(), material) == TableState::Complete;
+            complete += checkTable(directory.path(), material).state == TableState::Complete;
         }
         EXPECT_EQ(filesIn(directory.path()), complete);
-        if (isDone) break;
-        EXPECT_EQ(error, "interrupted");
+        if (status.isGood()) break;
+        EXPECT_EQ(status.line(), "interrupted");
         ++steps;
     }
     EXPECT_GT(steps, 20);
 }
 
-TEST(Generator, ForeignFilesAreLeftAlone) {
+TEST(Generator, FilesOfOthersAndNewerOnesAreLeftAlone) {
     TemporaryDirectory directory;
-    const std::string path = tablePath(directory.path(), *parseMaterial("KQK"));
+    const Material material = *parseMaterial("KQK");
+    const std::string path = tablePath(directory.path(), material);
+    ASSERT_TRUE(makeIn(directory.path(), {material}).isGood());
+    std::vector<std::uint8_t> newer = readFile(path);
+    constexpr std::size_t VersionAt = 8;
+    newer[VersionAt] = TableVersion + 1;
     const std::vector<std::uint8_t> foreign(100, 'x');
-    writeFile(path, foreign);
+    const std::pair<const char*, std::vector<std::uint8_t>> cases[] = {
+        {"is not a table of this program and is left alone", foreign},
+        {"has a newer format than this program knows and is left alone", newer},
+    };
+    for (const auto& [line, bytes] : cases) {
+        writeFile(path, bytes);
+        // Found before anything else is done.
+        const Status status = makeIn(directory.path(), {*parseMaterial("KRK"), material});
+        EXPECT_NE(status.line().find(line), std::string::npos) << status.line();
+        EXPECT_EQ(readFile(path), bytes);
+        EXPECT_EQ(filesIn(directory.path()), 1U);
+    }
+}
+
+TEST(Generator, DamagedAndEmptyFilesAreMadeAgain) {
+    TemporaryDirectory directory;
+    const Material material = *parseMaterial("KRK");
+    const std::string path = tablePath(directory.path(), material);
+    ASSERT_TRUE(makeIn(directory.path(), {material}).isGood());
+    const std::vector<std::uint8_t> whole = readFile(path);
+    std::vector<std::uint8_t> damaged = whole;
+    damaged[damaged.size() / 2] ^= 1;  // in a block, not in the header or the index
+    const std::pair<const char*, std::vector<std::uint8_t>> cases[] = {
+        {"a block", damaged},
+        {"half a file", {whole.begin(), whole.begin() + 300}},
+        {"nothing", {}},
+    };
+    for (const auto& [what, bytes] : cases) {
+        writeFile(path, bytes);
+        EXPECT_EQ(checkTable(directory.path(), material).state, TableState::Damaged) << what;
+        const Status status = makeIn(directory.path(), {material});
+        EXPECT_TRUE(status.isGood()) << what << ": " << status.line();
+        EXPECT_EQ(readFile(path), whole) << what;
+    }
+}
+
+/// Makes KPK from tables in which every promotion mates in as many plies. The length of the longest
+/// mate, or nothing when the table cannot be made.
+std::optional<int> longestKPK(int pliesAfterPromotion) {
+    TemporaryDirectory directory;
+    for (const char* ending : {"KQK", "KRK", "KBK", "KNK"}) {
+        writeTableOf(directory.path(), ending, {codeOfPlies(pliesAfterPromotion)});
+    }
+    const Material material = *parseMaterial("KPK");
+    const Status made = makeIn(directory.path(), {material});
+    if (!made.isGood()) {
+        EXPECT_NE(made.line().find("more than 254 plies"), std::string::npos) << made.line();
+        EXPECT_EQ(checkTable(directory.path(), material).state, TableState::Missing);
+        return std::nullopt;
+    }
+    const Status verified = verifyTable(directory.path(), material, Workers{}, acceptPart);
+    EXPECT_TRUE(verified.isGood()) << verified.line();
+    return TableFile::open(tablePath(directory.path(), material)).table->header().maxPlies;
+}
+
+TEST(Generator, LongestMateMayBeAsLongAsTheFormatHolds) {
+    const std::optional<int> longest = longestKPK(200);
+    ASSERT_TRUE(longest);
+    const int toTheLimit = 200 + MaxPlies - *longest;
+    EXPECT_EQ(longestKPK(toTheLimit), MaxPlies);
+    EXPECT_EQ(longestKPK(toTheLimit + 2), std::nullopt);
+}
+
+TEST(Generator, PartFileIsNeitherLinkNorPipe) {
+    TemporaryDirectory directory;
+    const Material material = *parseMaterial("KQK");
+    const std::string part = tablePath(directory.path(), material) + ".part";
+    const std::string precious = directory.path() + "/precious";
+    writeFile(precious, {1, 2, 3});
+    const std::pair<const char*, std::function<void()>> cases[] = {
+        {"pipe", [&] { ASSERT_EQ(mkfifo(part.c_str(), 0600), 0); }},
+        {"link", [&] { std::filesystem::create_symlink(precious, part); }},
+        {"hard link", [&] { std::filesystem::create_hard_link(precious, part); }},
+    };
+    for (const auto& [what, create] : cases) {
+        create();
+        const Status status = makeIn(directory.path(), {material});
+        EXPECT_EQ(status.line(), part + ": is not a plain file; remove it") << what;
+        EXPECT_EQ(readFile(precious), (std::vector<std::uint8_t>{1, 2, 3})) << what;
+        std::filesystem::remove(part);
+    }
+}
+
+/// Counts the tables that a run made and those that it found made by another.
+struct Counter : GeneratorListener {
+    int made = 0;
+    int found = 0;
+
+    void tableEnds(const Material&, std::uint64_t) override { ++made; }
+    void tableIsThere(const Material&) override { ++found; }
+};
+
+TEST(GeneratorThreads, TwoRunsInOneDirectoryShareTheWork) {
+    TemporaryDirectory directory;
+    const std::vector<Material> list = allMaterials(3);
+    Counter counters[2];
+    std::vector<std::thread> runs;
+    // Locks belong to open files, so two threads exclude each other as two processes do.
+    for (Counter& counter : counters) {
+        runs.emplace_back([&] {
+            GeneratorOptions options;
+            options.directory = directory.path();
+            const Status status = makeTables(list, options, counter);
+            EXPECT_TRUE(status.isGood()) << status.line();
+        });
+    }
+    for (std::thread& run : runs) {
+        run.join();
+    }
+    EXPECT_EQ(counters[0].made + counters[1].made, static_cast<int>(list.size()));
+    EXPECT_EQ(filesIn(directory.path()), list.size());
+}
+
+TEST(Generator, StopIsHeardWhileSmallerTablesAreRead) {
+    TemporaryDirectory directory;
+    std::filesystem::copy(smallTables(), directory.path());
+    std::filesystem::remove(tablePath(directory.path(), *parseMaterial("KQKR")));
+    std::atomic<bool> stop{false};
+    /// Stops as soon as the reading begins.
+    struct Stopper : GeneratorListener {
+        explicit Stopper(std::atomic<bool>& flag) : stopFlag(flag) {}
+        bool advances(const char* step, double) override {
+            EXPECT_STREQ(step, "reading smaller endings");
+            stopFlag = true;
+            return true;
+        }
+        std::atomic<bool>& stopFlag;
+    } stopper(stop);
     GeneratorOptions options;
     options.directory = directory.path();
-    std::string error;
-    EXPECT_FALSE(makeTables({*parseMaterial("KQK")}, options, error));
-    EXPECT_NE(error.find("was not written by this program"), std::string::npos) << error;
-    EXPECT_EQ(readFile(path), foreign);
+    options.workers.stop = &stop;
+    const Status status = makeTables({*parseMaterial("KQKR")}, options, stopper);
+    EXPECT_EQ(status.line(), "interrupted");
 }
 
 TEST(Generator, MissingSmallerTableIsNamed) {
     TemporaryDirectory directory;
-    GeneratorOptions options;
-    options.directory = directory.path();
-    std::string error;
-    EXPECT_FALSE(makeTable(*parseMaterial("KPK"), options, error));
-    EXPECT_NE(error.find(TableSuffix), std::string::npos) << error;
+    const Status status = makeIn(directory.path(), {*parseMaterial("KPK")});
+    EXPECT_NE(status.line().find("KPK needs KNK"), std::string::npos) << status.line();
     EXPECT_EQ(filesIn(directory.path()), 0U);
 }
 
 TEST(Generator, FullDiskIsAnErrorThatLeavesNothing) {
     TemporaryDirectory directory;
-    GeneratorOptions options;
-    options.directory = directory.path();
     // A limit on the size of files stands for a full disk.
     rlimit before{};
     ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
     const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
     const rlimit limit{2000, before.rlim_max};
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-    std::string error;
-    const bool isDone = makeTable(*parseMaterial("KQK"), options, error);
+    const Status status = makeIn(directory.path(), {*parseMaterial("KQK")});
     setrlimit(RLIMIT_FSIZE, &before);
     std::signal(SIGXFSZ, oldHandler);
-    EXPECT_FALSE(isDone);
-    EXPECT_NE(error.find("KQK"), std::string::npos) << error;
+    EXPECT_NE(status.line().find("KQK"), std::string::npos) << status.line();
     EXPECT_EQ(filesIn(directory.path()), 0U);
 }
 

@@ -1,6 +1,8 @@
 // tests/egtb/position_index_test.cpp - every position has a number, and its images the same one.
 #include "egtb/position_index.h"
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include "egtb/symmetry.h"
@@ -11,7 +13,7 @@ namespace {
 Position mapped(Position position, int symmetry) {
     for (Position::Pieces& pieces : position.pieces) {
         for (int i = 0; i < pieces.count; ++i) {
-            pieces.squares[i] = static_cast<std::uint8_t>(mapSquare(pieces.squares[i], symmetry));
+            pieces.squares[i] = mapSquare(pieces.squares[i], symmetry);
         }
     }
     return position;
@@ -22,18 +24,44 @@ class PositionIndexOf : public testing::TestWithParam<const char*> {};
 // A prime step visits numbers of all kinds without visiting all of the larger endings.
 constexpr std::uint64_t Step = 101;
 
+/// The digits from the last to the first.
+DigitOrder reversedOrder(const Material& material) {
+    const int count = PositionIndex(material).digitCount();
+    DigitOrder order = plainOrder;
+    std::reverse(order.begin(), order.begin() + count);
+    return order;
+}
+
 TEST_P(PositionIndexOf, NumbersAndPositionsAgree) {
     const Material material = *parseMaterial(GetParam());
-    const PositionIndex index(material);
+    for (const DigitOrder& order : {plainOrder, reversedOrder(material)}) {
+        const PositionIndex index(material, order);
+        Position position;
+        for (std::uint64_t number = 0; number < index.size(); number += Step) {
+            if (!index.decode(number, position)) continue;
+            EXPECT_EQ(position.material(), material);
+            const std::uint64_t back = index.encode(position);
+            if (back == number) continue;
+            // Only both kings on the diagonal leave two numbers for one position.
+            ASSERT_FALSE(material.hasPawns());
+            ASSERT_EQ(index.encode(mapped(position, SwapAxes)), number);
+        }
+    }
+}
+
+TEST_P(PositionIndexOf, LineHoldsTheNumbersOfAllBlackKings) {
+    const Material material = *parseMaterial(GetParam());
+    const PositionIndex index(material, reversedOrder(material));
     Position position;
-    for (std::uint64_t number = 0; number < index.size(); number += Step) {
+    for (std::uint64_t number = 0; number < index.size(); number += 50 * Step) {
         if (!index.decode(number, position)) continue;
-        EXPECT_EQ(position.material(), material);
-        const std::uint64_t back = index.encode(position);
-        if (back == number) continue;
-        // Only both kings on the diagonal leave two numbers for one position.
-        ASSERT_FALSE(material.hasPawns());
-        ASSERT_EQ(index.encode(mapped(position, SwapAxes)), number);
+        position = mapped(position, static_cast<int>(number) % (material.hasPawns() ? 2 : 8));
+        const PositionIndex::KingLine line = index.lineOf(position);
+        for (const Square64 king : allSquares) {
+            position.pieces[Black].squares[0] = king;
+            if (!isWellFormed(position) || isInCheck(position, Black)) continue;
+            ASSERT_EQ(line.numberWith(king), index.encode(position)) << number << ' ' << king;
+        }
     }
 }
 

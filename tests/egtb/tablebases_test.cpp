@@ -11,6 +11,7 @@
 
 #include "egtb/position_index.h"
 #include "egtb/table_format.h"
+#include "egtb/table_set.h"
 #include "test_tables.h"
 
 namespace vatro::egtb {
@@ -33,17 +34,17 @@ std::string answerTo(const TablebaseState& tables, const std::string& fen) {
 TEST(Tablebases, KnowMatesDrawsAndDistances) {
     const Tables tables(smallTables());
     const std::pair<const char*, const char*> cases[] = {
-        {"k7/1Q6/1K6/8/8/8/8/8 b", "W 0"},     // mate
-        {"k7/8/1K6/8/8/8/8/6Q1 w", "W 1"},     // mate in one
-        {"k7/2Q5/1K6/8/8/8/8/8 b", "draw"},    // stalemate
-        {"8/8/8/8/8/1q6/k7/8 b", "none"},      // no white king
-        {"8/8/8/3k4/8/8/1K6/1b6 w", "draw"},   // no mate with a bishop
-        {"8/8/8/8/4k3/8/1q6/K7 w", "draw"},    // the queen is taken
-        {"7k/7P/6K1/8/8/8/8/8 b", "draw"},     // pawn stalemate
-        {"8/8/7N/8/8/8/8/K1k1B3 w", "W 65"},   // the longest mate with bishop and knight
-        {"k1K1b3/8/8/8/8/8/7n/8 b", "B 65"},   // the same with colours and ranks swapped
-        {"8/8/8/8/2r5/8/2k5/K6Q w", "W 69"},   // queen against rook at its longest
-        {"3k4/3r4/8/8/3R4/8/8/K7 w", "none"},  // a table that is not there
+        {"k7/1Q6/1K6/8/8/8/8/8 b", "W 0"},      // mate
+        {"k7/8/1K6/8/8/8/8/6Q1 w", "W 1"},      // mate in one
+        {"k7/2Q5/1K6/8/8/8/8/8 b", "draw"},     // stalemate
+        {"8/8/8/8/8/1q6/k7/8 b", "none"},       // no white king
+        {"8/8/8/3k4/8/8/1K6/1b6 w", "draw"},    // no mate with a bishop
+        {"8/8/8/8/4k3/8/1q6/K7 w", "draw"},     // the queen is taken
+        {"7k/7P/6K1/8/8/8/8/8 b", "draw"},      // pawn stalemate
+        {"8/8/7N/8/8/8/8/K1k1B3 w", "W 65"},    // the longest mate with bishop and knight
+        {"k1K1b3/8/8/8/8/8/7n/8 b", "B 65"},    // the same with colours and ranks swapped
+        {"8/8/8/8/2r5/8/2k5/K6Q w", "W 69"},    // queen against rook at its longest
+        {"3k4/3r4/8/8/3R4/8/8/KN6 w", "none"},  // a table that is not there
     };
     for (const auto& [fen, expected] : cases) {
         EXPECT_EQ(answerTo(tables, fen), expected) << fen;
@@ -152,6 +153,43 @@ TEST(Tablebases, ListOfDirectoriesIsSearchedInOrder) {
     EXPECT_EQ(answerTo(Tables(""), fen), "none");
 }
 
+TEST(Tablebases, FilesAreOpenedWhenNeededAndNotAllAtOnce) {
+    TemporaryDirectory directory;
+    const std::vector<Material> list = allMaterials(4);
+    ASSERT_GT(list.size(), std::size_t{TableSet::MostOpenFiles});
+    for (const Material& material : list) {
+        writeTableOf(directory.path(), material.name(), {codeOfPlies(4)});
+    }
+    const TableSet tables(directory.path(), 0);
+    EXPECT_EQ(tables.openFiles(), 0);
+    std::mt19937 random(3);
+    for (int round = 0; round < 2; ++round) {
+        for (const Material& material : list) {
+            const PositionIndex index(material);
+            Position position;
+            while (!index.decode(random() % index.size(), position) || !isLegal(position)) {
+            }
+            std::uint64_t diskReads = 0;
+            EXPECT_EQ(tables.probe(position, NoEpSquare, TableSet::Source::Disk, diskReads),
+                      codeOfPlies(4))
+                << material.name();
+            EXPECT_LE(tables.openFiles(), TableSet::MostOpenFiles);
+        }
+    }
+}
+
+TEST(Tablebases, FileThatIsReplacedWhileInUseGivesNoAnswer) {
+    TemporaryDirectory directory;
+    writeTableOf(directory.path(), "KQK", {codeOfPlies(4)});
+    Tables tables(directory.path());
+    // Another table under the name: its numbers may mean other positions.
+    writeTableOf(directory.path(), "KRK", {codeOfPlies(2), codeOfPlies(6)});
+    std::filesystem::rename(directory.path() + "/KRK" + TableSuffix,
+                            directory.path() + "/KQK" + TableSuffix);
+    EXPECT_EQ(answerTo(tables, "k7/2Q5/1K6/8/8/8/8/8 b"), "none");
+    EXPECT_NE(tables.takeNotice(), "");
+}
+
 TEST(Tablebases, UnusableFilesAreNamedOnce) {
     TemporaryDirectory directory;
     Tables tables(directory.path());
@@ -163,7 +201,8 @@ TEST(Tablebases, UnusableFilesAreNamedOnce) {
     ASSERT_TRUE(tables.initialise(directory.path(), Megabyte));
     const std::string notice = tables.takeNotice();
     EXPECT_EQ(notice,
-              "tablebases: KBK.gtb.cp4 is not a table of this program, ignored (and 1 more)");
+              "tablebases: ignored: KBK.gtb.cp4 is not a table of this program; move it away to "
+              "have one made (and 1 more)");
     EXPECT_EQ(tables.takeNotice(), "");
     EXPECT_EQ(answerTo(tables, "8/8/8/8/8/2k5/1R6/K7 w"), "none") << "a renamed table";
 }
@@ -175,7 +214,9 @@ TEST(Tablebases, FileThatVanishesGivesNoAnswer) {
     Tables tables(directory.path());
     std::filesystem::resize_file(path, 100);
     EXPECT_EQ(answerTo(tables, "k7/2Q5/1K6/8/8/8/8/8 b"), "none");
-    EXPECT_EQ(tables.takeNotice(), "tablebases: KQK.gtb.cp4 can no longer be read, ignored");
+    EXPECT_EQ(
+        tables.takeNotice(),
+        "tablebases: ignored: KQK.gtb.cp4 can no longer be read; make it again with vatro-tbgen");
     EXPECT_EQ(answerTo(tables, "k7/2Q5/1K6/8/8/8/8/8 b"), "none");
     EXPECT_EQ(tables.takeNotice(), "") << "said once";
 }
@@ -188,9 +229,9 @@ TEST(Tablebases, CaptureThatAvertsAStalemateMustBeMade) {
     writeTableOf(directory.path(), "KBKP", {codeOfPlies(3)});
     const Tables tables(directory.path());
     EXPECT_EQ(answer(tables, queryOf(position)), "draw");
-    EXPECT_EQ(answer(tables, queryOf(position, 17)), "W 4");
+    EXPECT_EQ(answer(tables, queryOf(position, as64(B3))), "W 4");
     std::filesystem::remove(directory.path() + "/KBKP" + TableSuffix);
-    EXPECT_EQ(answer(Tables(directory.path()), queryOf(position, 17)), "none")
+    EXPECT_EQ(answer(Tables(directory.path()), queryOf(position, as64(B3))), "none")
         << "half an answer is none";
 }
 
@@ -245,10 +286,10 @@ TEST(TablebaseThreads, TablesMayBeReplacedUnderProbes) {
 }
 
 /// What the moves of a position give, en passant included, by asking about each child.
-std::string answerByMoves(const TablebaseState& tables, const Position& position, int ep) {
+std::string answerByMoves(const TablebaseState& tables, const Position& position, Square64 ep) {
     int best = -100000;
     bool hasMove = false;
-    forEachChild(position, ep, [&](const Position& child, int childEp) {
+    forEachChild(position, ep, [&](const Position& child, Square64 childEp) {
         TablebaseState::Outcome outcome;
         unsigned plies = 0;
         ASSERT_TRUE(tables.probe(queryOf(child, childEp), true, outcome, plies));
@@ -278,17 +319,17 @@ TEST(FourPieces, EnPassantIsTakenIntoAccount) {
     // White's pawn has just made its double step past the black one.
     for (std::uint64_t number = 0; number < index.size(); ++number) {
         if (!index.decode(number, position)) continue;
-        const int white = position.pieces[White].squares[1];
-        const int black = position.pieces[Black].squares[1];
-        if (rankOf64(white) != 3 || !(pawnAttacks[White][white - 8] & maskOf(black))) continue;
+        const Square64 white = position.pieces[White].squares[1];
+        const Square64 black = position.pieces[Black].squares[1];
+        if (rankOf(white) != 3 || !(pawnAttacks[White][white - 8] & maskOf(black))) continue;
         position.sideToMove = Black;
-        const int ep = white - 8;
+        const Square64 ep = white - 8;
         if ((position.occupied() & (maskOf(ep) | maskOf(ep - 8))) || !isLegal(position)) continue;
         const std::string with = answer(tables, queryOf(position, ep));
         ASSERT_EQ(with, answerByMoves(tables, position, ep)) << number;
         const Position swapped = position.withColoursSwapped();
-        const std::string swappedAnswer = answer(tables, queryOf(swapped, ep ^ 56));
-        ASSERT_EQ(swappedAnswer, answerByMoves(tables, swapped, ep ^ 56)) << number;
+        const std::string swappedAnswer = answer(tables, queryOf(swapped, mirrorRanks(ep)));
+        ASSERT_EQ(swappedAnswer, answerByMoves(tables, swapped, mirrorRanks(ep))) << number;
         changed += with != answer(tables, queryOf(position));
     }
     EXPECT_GT(changed, 100);

@@ -1,6 +1,7 @@
 // tests/egtb/test_tables.cpp - making tables for the tests.
 #include "test_tables.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -31,10 +32,12 @@ const std::string& tablesOf(const std::vector<std::string>& endings) {
     static TemporaryDirectory directory;
     GeneratorOptions options;
     options.directory = directory.path();
-    options.threads = 2;
+    options.workers.threads = 2;
     for (const std::string& ending : endings) {
-        std::string error;
-        EXPECT_TRUE(makeTables(withAllSuccessors(*parseMaterial(ending)), options, error)) << error;
+        GeneratorListener listener;
+        const Status status =
+            makeTables(withAllSuccessors(*parseMaterial(ending)), options, listener);
+        EXPECT_TRUE(status.isGood()) << status.line();
     }
     return directory.path();
 }
@@ -55,6 +58,7 @@ void writeTableOf(const std::string& directory,
                   const std::string& ending,
                   const std::vector<std::uint8_t>& codes) {
     TableHeader header = makeHeader(*parseMaterial(ending), DefaultBlockBits);
+    header.maxPlies = std::max(0, pliesOfCode(*std::max_element(codes.begin(), codes.end())));
     std::vector<std::uint8_t> index(std::size_t{header.blockCount} * IndexEntrySize);
     std::vector<std::uint8_t> blocks;
     std::vector<std::uint8_t> compressed(compressBound(header.blockSize()));
@@ -91,26 +95,26 @@ void writeTableOf(const std::string& directory,
 Position positionOf(const std::string& fen) {
     const std::string letters = ".PNBRQK";
     Position position;
-    int square = 56;
+    Square64 square = as64(A8);
     std::size_t at = 0;
     for (; fen[at] != ' '; ++at) {
         const char letter = fen[at];
         if (letter == '/') {
-            square -= 16;
+            square = square - 16;
         } else if (letter >= '1' && letter <= '8') {
-            square += letter - '0';
+            square = square + (letter - '0');
         } else {
             const bool isBlack = letter >= 'a';
             const auto type = letters.find(static_cast<char>(isBlack ? letter - 32 : letter));
             position.pieces[isBlack ? Black : White].add(static_cast<PieceType>(type), square);
-            ++square;
+            square = square + 1;
         }
     }
     position.sideToMove = fen[at + 1] == 'w' ? White : Black;
     return position;
 }
 
-TablebaseState::Query queryOf(const Position& position, int ep) {
+TablebaseState::Query queryOf(const Position& position, Square64 ep) {
     TablebaseState::Query query;
     query.sideToMove = position.sideToMove;
     query.epSquare = ep;
@@ -120,7 +124,7 @@ TablebaseState::Query queryOf(const Position& position, int ep) {
             squares[i] = pieces.squares[pieces.count - 1 - i];
             types[i] = pieces.types[pieces.count - 1 - i];
         }
-        squares[pieces.count] = TablebaseState::NoSquare64;
+        squares[pieces.count] = TablebaseState::EndOfList;
         types[pieces.count] = 0;
     };
     fill(position.pieces[White], query.whiteSquares, query.whiteTypes);

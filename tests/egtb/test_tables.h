@@ -40,7 +40,7 @@ void writeTableOf(const std::string& directory,
 
 /// The position of a FEN's first two fields.
 Position positionOf(const std::string& fen);
-TablebaseState::Query queryOf(const Position& position, int ep = NoEpSquare);
+TablebaseState::Query queryOf(const Position& position, Square64 ep = NoEpSquare);
 
 /// What a probe says, on one line: "W 12", "B 3", "draw" or "none".
 std::string answer(const TablebaseState& tables,

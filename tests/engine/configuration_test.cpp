@@ -4,12 +4,14 @@
 #include <gtest/gtest.h>
 
 #include "engine/command_line.h"
+#include "engine/settings.h"
+#include "engine/winboard_reporter.h"
 
 namespace vatro {
 namespace {
 
 struct Settings : testing::Test {
-    /// Applies the text; what it prints.
+    /// Applies the text as a file; returns what that prints.
     std::string read(const std::string& text) {
         std::FILE* const file = std::tmpfile();
         std::fwrite(text.data(), 1, text.size(), file);
@@ -19,15 +21,23 @@ struct Settings : testing::Test {
         std::fclose(file);
         return testing::internal::GetCapturedStdout();
     }
-    std::string obey(const std::vector<std::string>& args) {
+    /// The same for program arguments.
+    std::string apply(const std::vector<std::string>& args) {
         testing::internal::CaptureStdout();
         applyCommandLine(args, player);
         return testing::internal::GetCapturedStdout();
     }
 
     TimeControl timeControl;
-    ChessPlayer player{timeControl, nullptr};
+    WinBoardReporter reporter;
+    ChessPlayer player{timeControl, reporter, nullptr};
 };
+
+TEST_F(Settings, OfANewPlayerAreTheDefaults) {
+    for (const Setting& setting : settings()) {
+        EXPECT_EQ(setting.defaultValue, setting.value(player)) << setting.name;
+    }
+}
 
 TEST_F(Settings, AreReadFromTheFile) {
     EXPECT_EQ("", read("# ttHashSizeMB = 1\n"
@@ -68,7 +78,7 @@ TEST_F(Settings, BoundTheCoresByTheMachine) {
     player.maxCores = 8;
     EXPECT_EQ("# will now use 8 cores (requested=64, current=0, max=8)\n",
               read("numberOfCores = 64"));
-    EXPECT_EQ("# will now use 3 cores (requested=3, current=0, max=8)\n", obey({"-cores", "3x"}));
+    EXPECT_EQ("# will now use 3 cores (requested=3, current=0, max=8)\n", apply({"-cores", "3x"}));
     EXPECT_EQ(3U, player.requestedCores);
 }
 
@@ -94,7 +104,7 @@ TEST_F(Settings, CommandLineComplainsAboutWhatItDoesNotKnow) {
         "positive number\n"
         "# warning: found unknown command line option \"cores\"\n"
         "# warning: missing argument for command line option \"-cores\"\n",
-        obey({"-cores", "-4", "cores", "-cores"}));
+        apply({"-cores", "-4", "cores", "-cores"}));
     EXPECT_EQ(1U, player.requestedCores);
 }
 

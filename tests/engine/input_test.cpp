@@ -12,7 +12,7 @@ namespace {
 
 using Event = InputQueue::Event;
 
-/// The lines of a closed queue; a long one is marked.
+/// The lines of a closed queue; a line that was too long is marked.
 std::vector<std::string> drain(InputQueue& queue) {
     std::vector<std::string> lines;
     InputLine line;
@@ -63,7 +63,7 @@ TEST(InputThreads, HoldBackAWriterThatIsTooFast) {
     int ends[2];
     ASSERT_EQ(0, ::pipe(ends));
     const auto queue = std::make_shared<InputQueue>();
-    startInputReader(queue, ends[0]);
+    ASSERT_TRUE(startInputReader(queue, ends[0]));
     constexpr int Count = 20000;
     std::thread writer([&ends] {
         for (int i = 0; i < Count; ++i) {
@@ -95,16 +95,16 @@ TEST(InputThreads, StopReadingWhenTheLoopHasEnded) {
     ASSERT_EQ(0, ::pipe(ends));
     auto queue = std::make_shared<InputQueue>();
     const std::weak_ptr<InputQueue> observer = queue;
-    startInputReader(queue, ends[0]);
+    ASSERT_TRUE(startInputReader(queue, ends[0]));
     const std::string lines(4 * InputQueue::Capacity, '\n');
     ASSERT_EQ(static_cast<ssize_t>(lines.size()), ::write(ends[1], lines.data(), lines.size()));
     queue->abandon();
-    queue.reset();  // the reader's share is left
+    queue.reset();  // only the reader holds it now
     for (int i = 0; i < 1000 && !observer.expired(); ++i) {
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     EXPECT_TRUE(observer.expired());
-    ::close(ends[1]);  // the other end stays open: nothing tells when the reader is through with it
+    ::close(ends[1]);  // the other end stays open: the reader may still be reading it
 }
 
 }  // namespace

@@ -33,10 +33,11 @@ TEST(CommandLoop, ReportsFaultsAndIgnoresUnknownWords) {
         {"option ttHashSizeMB=0", "Error (illegal value for 'ttHashSizeMB' option): 0"},
         {"option gtbCacheSizeMB=257", "Error (illegal value for 'gtbCacheSizeMB' option): 257"},
         {"option gtbCacheSizeMB=-1", "Error (illegal value for 'gtbCacheSizeMB' option): -1"},
-        {"option gtbCacheSizeMB", "Error (illegal value for 'gtbCacheSizeMB' option): "},
+        {"option gtbCacheSizeMB", "Error (missing value for 'gtbCacheSizeMB' option)"},
         {"option pawnHashSizeMB=4294967297",
          "Error (illegal value for 'pawnHashSizeMB' option): 4294967297"},
-        {"option bookFilePath=", "Error (illegal value for 'bookFilePath' option): "},
+        {"option bookFilePath=" + std::string(256, 'x'),
+         "Error (path too long for 'bookFilePath' option): " + std::string(256, 'x')},
         {"option tthashsizemb=8", "Error (unknown option name): tthashsizemb"},
         {"option =", "Error (unknown option name): "},
         {"egtpath nalimov x", "# invalid TB type: nalimov"},
@@ -53,7 +54,7 @@ TEST(CommandLoop, ReportsFaultsAndIgnoresUnknownWords) {
         {"randpos -2", ""},
         {"level 40 1:2:3 0", ""},
         {"level 40  0", ""},
-        {"setboard 8/8/8/8/8/8/8/9 w - -", ""},
+        {"setboard 8/8/8/8/8/8/8/9 w - -", "tellusererror Illegal position"},
         {"test missing.txt", "# ERROR: failed to open file \"missing.txt\" for reading"},
     };
     Session session;
@@ -62,11 +63,12 @@ TEST(CommandLoop, ReportsFaultsAndIgnoresUnknownWords) {
         if (!error.empty()) expected.insert(expected.begin(), error);
         EXPECT_EQ(expected, session.allAnswersTo(line));
     }
-    for (const std::string line : {"", "QUIT", "Ping 3", " go", "otim 100", "hard", "tune 1 2"}) {
+    for (const std::string line :
+         {"", "QUIT", "Ping 3", " go", "otim 100", "hard", "tune 1 2", "e2e4 x", "e2e", "i2i4"}) {
         EXPECT_EQ(Lines(), session.allAnswersTo(line)) << line;
     }
     session.send("quit");
-    EXPECT_EQ(0, session.process.waitForExit(Session::Patience));
+    EXPECT_EQ(0, session.process.waitForExit());
 }
 
 TEST(CommandLoop, TakesAnyBytesForALine) {
@@ -96,20 +98,20 @@ TEST(CommandLoop, ObeysALastLineWithoutLineFeed) {
     Session session;
     session.process.send("ping 77");
     session.process.closeInput();
-    const auto output = session.process.readAll(Session::Patience);
+    const auto output = session.process.readAll();
     ASSERT_TRUE(output);
     EXPECT_TRUE(output->ends_with("pong 77\n")) << *output;
 }
 
 TEST(CommandLoop, PromptsAUserBeforeEachLine) {
     Session session({}, smallTables, true);
-    session.process.readUntil("# Your move: ", Session::Patience);
+    session.process.readUntil("# Your move: ");
     session.send("ping 1");
-    EXPECT_EQ("pong 1\n# Your move: ", session.process.readUntil("move: ", Session::Patience));
+    EXPECT_EQ("pong 1\n# Your move: ", session.process.readUntil("move: "));
     session.send("");
-    EXPECT_EQ("# Your move: ", session.process.readUntil("move: ", Session::Patience));
+    EXPECT_EQ("# Your move: ", session.process.readUntil("move: "));
     session.send("xboard\nping 2");
-    EXPECT_EQ("\npong 2\n", session.process.readUntil("pong 2\n", Session::Patience));
+    EXPECT_EQ("\npong 2\n", session.process.readUntil("pong 2\n"));
 }
 
 TEST(Game, UserMovesFollowTheRules) {
@@ -210,16 +212,17 @@ TEST(Engine, PlaysTheSideThatItIsGiven) {
     session.answersTo("playother");  // White is to move: Black for the engine
     session.send("usermove e2e4");
     EXPECT_EQ("# making user move: e2e4", session.nextLine("# making"));
-    EXPECT_FALSE(session.nextMove().empty());
+    session.nextMove();
     session.send("go");
-    EXPECT_FALSE(session.nextMove().empty());
-    session.answersTo("force\nusermove a7a6");
-    EXPECT_EQ(Lines(), session.allAnswersTo(""));
+    session.nextMove();
+    EXPECT_EQ(Lines(), session.answersTo(""));
+    EXPECT_EQ(Lines({"# making user move: a7a6"}), session.allAnswersTo("force\nusermove a7a6"));
+    EXPECT_EQ(Lines(), session.linesUnasked());
     session.send("new\nsd 2\nusermove d2d4");
-    EXPECT_FALSE(session.nextMove().empty());
-    session.answersTo("undo\nundo");
+    session.nextMove();
+    EXPECT_EQ(Lines(), session.answersTo("force\nundo\nundo"));
     session.send("sd 1\ngo");
-    EXPECT_FALSE(session.nextMove().empty());
+    session.nextMove();
 }
 
 TEST(Engine, ClaimsItsMateAndOffersItsDraw) {
@@ -230,7 +233,7 @@ TEST(Engine, ClaimsItsMateAndOffersItsDraw) {
     session.answersTo("setboard 7k/8/8/8/8/8/R7/K7 w - - 99 60\nsd 1");
     session.send("go");
     EXPECT_EQ("offer draw", session.nextLine("offer"));
-    EXPECT_FALSE(session.nextMove().empty());
+    session.nextMove();
     EXPECT_EQ(Lines(), session.answersTo(""));
 }
 
@@ -255,32 +258,54 @@ TEST(Engine, ReadsLevelAndTime) {
         "# ply=0 fullMoveNumber=1 remainingMoves=32 nSessions=1\n"
         "# total=15100 elapsed=0 remaining=15100 available=18200 max=511\n",
         suddenDeath);
+    // Without any time, the first iteration finds a move.
     for (const std::string absurd :
          {"level -1 -1 -1", "level 99999999999 99999999999 99999999999", "level x : y",
-          "level 0 0 0", "time -5", "time 99999999999", "sd 99999999999\ntime 1"}) {
-        EXPECT_FALSE(plan(absurd).empty()) << absurd;
+          "level 0 0 0", "time -5", "sd 99999999999\ntime 1"}) {
+        EXPECT_TRUE(plan(absurd).ends_with(" max=0\n")) << absurd;
     }
+    EXPECT_TRUE(plan("time 99999999999")  // read as 2^31 - 1
+                    .ends_with(" remaining=2147483647 available=2147483647 max=48318382\n"));
+}
+
+TEST(Engine, WhatIsNotPlayCostsNoTime) {
+    Session session;
+    session.send("new\nforce\nnobook\nsd 1\nlevel 0 1 0\ntime 4000");
+    session.send("perft 4\ndivide 2\nanalyze");
+    session.nextLine("6 ");
+    session.send("exit\nsd 1\ngo");
+    EXPECT_EQ(session.nextLine("# total="),
+              "# total=6000 elapsed=2000 remaining=4000 available=4000 max=112");
+    session.nextMove();
+    // A position that is set starts with nothing used; a refused one changes nothing.
+    session.send("force\ntime 3000\nsetboard nonsense\ngo");
+    EXPECT_TRUE(session.nextLine("# total=").starts_with("# total=6000 elapsed=3000 "));
+    session.nextMove();
+    session.send("setboard 7k/8/8/8/8/8/5R2/K5R1 w - - 0 1\ngo");
+    EXPECT_TRUE(session.nextLine("# total=").starts_with("# total=6000 elapsed=0 "));
+    session.nextMove();
 }
 
 TEST(Engine, AnalysesWithoutMovingUntilExit) {
     Session session;
-    const auto analysesAfter = [&session](const std::string& line, const char* sign) {
-        session.send(line);
-        session.nextLine(sign);
-        std::string found;
-        while (const auto next = session.process.readLine(Session::Patience)) {
-            found = *next;
-            if (found.starts_with("3 ") || found.starts_with("move ")) break;
-        }
-        return found.starts_with("3 ");
+    const std::pair<const char*, const char*> commands[] = {
+        {"analyze", ""},
+        {"usermove e2e4", "# ....P..."},
+        {"undo", "# PPPPPPPP"},
+        {"new", "# new size"},
+        {"setboard 8/8/8/8/4k3/8/8/R3K3 w Q -", "# R...K..."},
     };
-    EXPECT_TRUE(analysesAfter("analyze", ""));
-    EXPECT_TRUE(analysesAfter("usermove e2e4", "# ....P..."));
-    EXPECT_TRUE(analysesAfter("undo", "# PPPPPPPP"));
-    EXPECT_TRUE(analysesAfter("new", "# new size"));
-    EXPECT_TRUE(analysesAfter("setboard 8/8/8/8/4k3/8/8/R3K3 w Q -", "# R...K..."));
-    session.send("exit\nping 5");
-    EXPECT_FALSE(session.nextLine("pong 5").empty());
+    for (const auto& [line, sign] : commands) {
+        session.send(line);
+        for (const std::string& text : session.linesBefore(sign)) {  // of the search before it
+            EXPECT_FALSE(text.starts_with("move "));
+        }
+        session.nextThought();
+    }
+    for (const std::string& text : session.answersTo("exit")) {
+        EXPECT_FALSE(text.starts_with("move "));
+    }
+    EXPECT_EQ(Lines(), session.linesUnasked());
     EXPECT_EQ(Lines({failed("exit")}), session.allAnswersTo("exit"));
 }
 
@@ -288,22 +313,16 @@ TEST(Engine, AutoPlayGoesOnToTheEndOfTheGame) {
     Session session;
     session.answersTo("nopost\nsetboard 7k/8/8/8/8/8/5R2/K5R1 w - -\nlevel 0 0:05 0");
     session.send("auto");
-    std::string line;
-    int moves = 0;
-    while (!line.starts_with("1-0")) {
-        const auto next = session.process.readLine(Session::Patience);
-        ASSERT_TRUE(next) << "after " << moves << " moves";
-        line = *next;
-        if (line.starts_with("move ")) ++moves;
-    }
-    EXPECT_GT(moves, 0);
+    const Lines game = session.linesBefore("1-0");
+    EXPECT_LT(0, std::count_if(game.begin(), game.end(),
+                               [](const std::string& line) { return line.starts_with("move "); }));
     EXPECT_EQ(Lines(), session.answersTo(""));
     // Commands are served between the moves.
-    session.send("new\nlevel 0 0:05 0\nauto");
+    session.send("new\npost\nlevel 0 0:05 0\nauto");
     session.nextMove();
     session.nextMove();
-    session.answersTo("force");
-    EXPECT_EQ(Lines(), session.answersTo(""));
+    session.answersTo("force");  // perhaps one more move
+    EXPECT_EQ(Lines(), session.linesUnasked());
 }
 
 TEST(Engine, PlaysAtRandomUntilANewGame) {
@@ -311,11 +330,11 @@ TEST(Engine, PlaysAtRandomUntilANewGame) {
     session.answersTo("randgame");
     for (int i = 0; i < 10; ++i) {
         session.send("go");
-        EXPECT_FALSE(session.nextMove().empty());
+        session.nextMove();
     }
     session.answersTo("new\nsd 1");
     session.send("go");
-    EXPECT_FALSE(session.nextLine("1 ").empty());  // thinks again
+    session.nextLine("1 ");  // thinks again
 }
 
 TEST(Tools, PrintTheirFigures) {

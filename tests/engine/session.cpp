@@ -2,9 +2,14 @@
 #include "engine/session.h"
 
 #include <algorithm>
+#include <cctype>
+#include <cstdlib>
 #include <fstream>
-#include <random>
+#include <stdexcept>
 #include <unistd.h>
+#include <utility>
+
+#include <gtest/gtest.h>
 
 namespace vatro::test {
 namespace {
@@ -24,7 +29,7 @@ bool isBoardLine(const std::string& line) {
 }
 
 Lines programAndArgs(const Lines& args) {
-    Lines all{VATRO_PROGRAM};
+    Lines all{engineProgram()};
     all.insert(all.end(), args.begin(), args.end());
     return all;
 }
@@ -37,6 +42,11 @@ const std::string& withFile(const ScratchDirectory& directory,
 }
 
 }  // namespace
+
+std::string engineProgram() {
+    const char* const given = std::getenv("VATRO_PROGRAM");
+    return given ? given : VATRO_PROGRAM;
+}
 
 ScratchDirectory::ScratchDirectory() : path(freshDirectory()) {}
 
@@ -57,16 +67,26 @@ Session::Session(const Lines& args, std::string_view configuration, bool asUser)
     }
 }
 
-Lines Session::exchange(const std::string& line) {
-    const std::string answer = "pong " + std::to_string(++pings);
-    send(line + "\nping " + std::to_string(pings));
-    Lines answers;
-    while (const auto next = process.readLine(Patience)) {
-        if (*next == answer) return answers;
-        answers.push_back(*next);
+Lines Session::linesBefore(std::string_view beginning, std::string* found) {
+    Lines lines;
+    const auto limit = hasFallenSilent ? ChildProcess::Duration(0) : ChildProcess::Patience;
+    while (auto line = process.readLine(limit)) {
+        if (line->starts_with(beginning)) {
+            if (found) *found = *std::move(line);
+            return lines;
+        }
+        lines.push_back(*std::move(line));
     }
-    answers.emplace_back("(no answer)");
-    return answers;
+    if (std::exchange(hasFallenSilent, true)) return lines;
+    ADD_FAILURE() << "no line came that begins with \"" << beginning << "\"\n"
+                  << process.lastLines();
+    return lines;
+}
+
+Lines Session::exchange(const std::string& line) {
+    const std::string number = std::to_string(++pings);
+    send(line + "\nping " + number);
+    return linesBefore("pong " + number);
 }
 
 Lines Session::allAnswersTo(const std::string& line) {
@@ -84,30 +104,50 @@ Lines Session::answersTo(const std::string& line) {
 }
 
 std::string Session::nextLine(std::string_view beginning) {
-    while (const auto line = process.readLine(Patience)) {
-        if (line->starts_with(beginning)) return *line;
-    }
-    return {};
+    std::string line;
+    linesBefore(beginning, &line);
+    return line;
 }
 
 std::string Session::nextMove() {
     const std::string line = nextLine("move ");
-    return line.empty() ? line : line.substr(5);
+    EXPECT_TRUE(line.empty() || line.size() == 9 || line.size() == 10) << line;
+    return line.substr(std::min<std::size_t>(line.size(), 5));
+}
+
+std::string Session::nextThought() {
+    for (;;) {
+        std::string line = nextLine("");
+        if (hasFallenSilent || (!line.empty() && std::isdigit(line.front()))) return line;
+    }
+}
+
+Lines Session::linesUnasked() {
+    using Clock = std::chrono::steady_clock;
+    const auto deadline = Clock::now() + std::chrono::milliseconds(50);
+    Lines lines;
+    while (auto line = process.readLine(
+               std::chrono::duration_cast<ChildProcess::Duration>(deadline - Clock::now()))) {
+        lines.push_back(*std::move(line));
+    }
+    return lines;
 }
 
 std::string Session::boardAfter(const std::string& line) {
+    constexpr std::size_t BoardSize = std::size_t{8} * 9;  // with line feeds
     std::string rows;
     for (const std::string& answer : exchange(line)) {
         if (!isBoardLine(answer) || answer == "#") continue;
-        if (std::count(rows.begin(), rows.end(), '\n') == 8) rows.clear();
+        if (rows.size() == BoardSize) rows.clear();
         rows += answer.substr(2) + '\n';
     }
+    EXPECT_EQ(BoardSize, rows.size()) << "no whole board after " << line;
     return rows;
 }
 
-int Session::exitStatus() {
+std::optional<int> Session::exitStatus() {
     process.closeInput();
-    return process.waitForExit(Patience).value_or(-1000);
+    return process.waitForExit();
 }
 
 }  // namespace vatro::test

@@ -19,7 +19,7 @@ constexpr char startBoard[] =
 
 std::string outputToPrompt(const Lines& args, std::string_view configuration) {
     Session session(args, configuration, true);
-    return session.process.readUntil("# Your move: ", Session::Patience);
+    return session.process.readUntil("# Your move: ");
 }
 
 TEST(StartUp, PrintsBannerTablesBoardAndPrompt) {
@@ -62,11 +62,64 @@ TEST(StartUp, SurvivesAnyConfigurationFile) {
         EXPECT_TRUE(outputToPrompt({}, content).ends_with("# Your move: "));
     }
     Session session({}, "", true);
-    session.process.readUntil("# Your move: ", Session::Patience);
+    session.process.readUntil("# Your move: ");
     std::filesystem::create_directory(session.directory.path / "vatro.ini");
-    ChildProcess inDirectory({VATRO_PROGRAM}, session.directory.path.string());
-    EXPECT_TRUE(
-        inDirectory.readUntil("# Your move: ", Session::Patience).ends_with("# Your move: "));
+    ChildProcess inDirectory({engineProgram()}, session.directory.path.string());
+    EXPECT_TRUE(inDirectory.readUntil("# Your move: ").ends_with("# Your move: "));
+}
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool HasSanitizer = true;  // which needs terabytes of addresses
+#else
+constexpr bool HasSanitizer = false;
+#endif
+
+/// The command line of an engine that a shell starts after `preparation`.
+Lines afterShell(const std::string& preparation) {
+    return {"/bin/sh", "-c", preparation + "; exec " + engineProgram()};
+}
+
+TEST(Limits, WithoutMemoryOneLineSaysSo) {
+    if (HasSanitizer) GTEST_SKIP() << "limits the address space";
+    const ScratchDirectory directory;
+    ChildProcess process(afterShell("ulimit -v 12000"), directory.path.string());
+    const std::string output = process.readAll().value_or("");
+    EXPECT_EQ(1, process.waitForExit());
+    process.expectEnd(1);
+    const std::size_t error = output.find("# ERROR: ");
+    EXPECT_NE(std::string::npos, error) << output;
+    EXPECT_EQ(std::string::npos, output.find("# ERROR: ", error + 1)) << output;
+}
+
+TEST(Limits, WithLittleMemoryTheEnginePlays) {
+    if (HasSanitizer) GTEST_SKIP() << "limits the address space";
+    const ScratchDirectory directory;
+    ChildProcess process(afterShell("ulimit -v 100000"), directory.path.string());
+    process.send("xboard\nsd 2\ngo\n");
+    EXPECT_TRUE(process.readUntil("\nmove ").ends_with("\nmove ")) << process.lastLines();
+}
+
+TEST(Limits, TheSystemsSmallStackIsNotTheSearchs) {
+    if (HasSanitizer) GTEST_SKIP() << "the main thread needs more";
+    const ScratchDirectory directory;
+    directory.writeFile("vatro.ini", smallTables);
+    ChildProcess process(afterShell("ulimit -s 128"), directory.path.string());
+    process.send("xboard\nsetboard 6k1/6p1/8/7Q/8/8/rq6/7K w - - 0 1\nanalyze\n");
+    EXPECT_TRUE(process.readUntil("\n9 ").ends_with("\n9 ")) << process.lastLines();
+    process.send("exit\nping 1\n");
+    EXPECT_TRUE(process.readUntil("pong 1").ends_with("pong 1")) << process.lastLines();
+}
+
+TEST(Limits, ASilentAnalysisEndsWithItsReader) {
+    const ScratchDirectory directory;
+    directory.writeFile("vatro.ini", smallTables);
+    ChildProcess process(afterShell("trap '' PIPE"), directory.path.string());
+    process.send("xboard\nnopost\nanalyze\nping 1\n");
+    EXPECT_TRUE(process.readUntil("pong 1").ends_with("pong 1"));
+    process.closeOutput();
+    const std::optional<int> status = process.waitForExit();
+    ASSERT_TRUE(status);
+    process.expectEnd(*status == 1 ? 1 : 0);
 }
 
 TEST(Features, ComeInOrderWithTheCurrentValues) {

@@ -1,4 +1,4 @@
-// endgame_test.cpp - material, the scale of hard endings, and positions without pawns.
+// tests/eval/endgame_test.cpp - material, the scale of hard endings, and positions without pawns.
 #include <iterator>
 
 #include <gtest/gtest.h>
@@ -88,8 +88,8 @@ TEST(EndgameRule, FourPieceEndings) {
 // A bishop by promotion can stand behind the pawn in the piece list.
 TEST(EndgameRule, FindsAPromotedBishop) {
     const auto board = boardOf("8/6k1/8/8/8/8/8/4K3 w - - 0 1");
-    putInSlot(*board, 0x37, Pawn, White, FirstPawnSlot);        // h4: a dark square
-    putInSlot(*board, 0x03, Bishop, White, FirstPawnSlot + 1);  // d1: a light one
+    putInSlot(*board, H4, Pawn, White, FirstPawnSlot);        // a dark square
+    putInSlot(*board, D1, Bishop, White, FirstPawnSlot + 1);  // a light one
     EXPECT_EQ(endgameRule(*board), 0);
 }
 

@@ -1,4 +1,4 @@
-// eval_support.h - evaluating with a pawn hash of one's own.
+// tests/eval/eval_support.h - evaluating with a pawn hash of one's own.
 #pragma once
 
 #include <cstdint>
@@ -23,7 +23,7 @@ struct Evaluator {
     int lazyScore(const Board_0x88& board) { return (*this)(board, OutOfReach, OutOfReach) - 200; }
 
     PawnHashTable pawnHash;
-    std::uint64_t hits = 0;
+    Counter hits;
     EvalMemory memory{pawnHash, hits};
 };
 

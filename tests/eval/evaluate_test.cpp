@@ -1,4 +1,4 @@
-// evaluate_test.cpp - the whole evaluation: symmetry, lazy cut, clamp, scaling, odd positions.
+// tests/eval/evaluate_test.cpp - the whole evaluation: symmetry, lazy cut, clamp, odd positions.
 #include <algorithm>
 #include <cstdlib>
 
@@ -17,13 +17,16 @@ bool hasPawns(const Board_0x88& board) {
 TEST(Evaluate, ExchangingTheColoursKeepsTheScore) {
     Evaluator evaluate;
     TestRandom random(1);
+    unsigned compared = 0;
     for (const char* start : richPositions) {
         forEachRandomPosition(start, 150, random, [&](const Board_0x88& board) {
             if (!hasPawns(board) || board.totalCount() <= EndgamePieces) return;
             const std::string fen = board.toFEN();
             EXPECT_EQ(evaluate(board), evaluate(mirroredFEN(fen))) << fen;
+            ++compared;
         });
     }
+    EXPECT_GT(compared, 300U);
 }
 
 TEST(Evaluate, StoredPawnsGiveTheScoreOfComputedOnes) {
@@ -48,17 +51,20 @@ TEST(Evaluate, StoredPawnsGiveTheScoreOfComputedOnes) {
 TEST(Evaluate, LazyCutStaysOutsideTheWindowWithTheFullScore) {
     Evaluator evaluate;
     TestRandom random(3);
+    unsigned cuts = 0;
     forEachRandomPosition(startPositionFEN, 200, random, [&](const Board_0x88& board) {
         const int full = evaluate(board);
         for (int alpha = full - 500; alpha < full + 500; alpha += 37) {
             const int beta = alpha + 1;
             const int score = evaluate(board, alpha, beta);
             if (score == full) continue;
-            EXPECT_EQ(board.halfmoveClock, 0);
+            ++cuts;
+            EXPECT_EQ(board.halfmoveClock, 0);  // scaled scores are not cut
             EXPECT_TRUE(std::max(score, full) <= alpha || std::min(score, full) >= beta)
                 << board.toFEN() << ' ' << alpha << ": " << score << ", " << full;
         }
     });
+    EXPECT_GT(cuts, 500U);
 }
 
 TEST(Evaluate, LazyCutLeavesThePawnHashAlone) {
@@ -123,7 +129,7 @@ TEST(Evaluate, OddPositionsAreEvaluated) {
     for (int i = 0; i < 20000; ++i) {
         board->clearBoard();
         for (unsigned pieces = random.below(33); pieces > 0; --pieces) {
-            const Square square = toSquare(static_cast<int>(random.below(64)));
+            const Square square = as88(static_cast<Square64>(random.below(64)));
             if (board->pieceOn[square] != NoPiece) continue;
             board->addPiece(square, static_cast<PieceType>(Pawn + random.below(6)),
                             random.below(2) ? Black : White);

@@ -1,4 +1,4 @@
-// pawn_terms_test.cpp - pawn structure and passed pawns against slow definitions, and examples.
+// tests/eval/pawn_terms_test.cpp - pawn terms against slow definitions, and examples.
 #include <algorithm>
 #include <cstdlib>
 
@@ -102,7 +102,7 @@ struct SlowPawns {
 void placeAtRandom(Board_0x88& board, TestRandom& random) {
     board.clearBoard();
     const auto place = [&](PieceType type, Colour colour) {
-        const Square square = toSquare(static_cast<int>(random.below(64)));
+        const Square square = as88(static_cast<Square64>(random.below(64)));
         if (board.pieceOn[square] == NoPiece) board.addPiece(square, type, colour);
     };
     place(King, White);

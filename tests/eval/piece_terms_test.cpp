@@ -1,4 +1,4 @@
-// piece_terms_test.cpp - mobility against a walk over the mailbox; files, shelter, tropism.
+// tests/eval/piece_terms_test.cpp - mobility against walks over the mailbox; shelter, tropism.
 #include "eval/piece_terms.h"
 
 #include <cstdlib>
@@ -17,7 +17,7 @@ namespace {
 int walk(const Board_0x88& board, Square from, std::span<const int> offsets, bool slides) {
     int count = 0;
     for (const int offset : offsets) {
-        for (int to = from + offset; isOnBoard(to); to += offset) {
+        for (Square to = from + offset; isOnBoard(to); to += offset) {
             if (board.colourOn[to] == board.colourOn[from]) break;
             ++count;
             if (board.pieceOn[to] != NoPiece || !slides) break;
@@ -139,13 +139,13 @@ TEST(KingSafety, OpenFilesCountByHeavyPieces) {
 
 // Away from the edges the table must give what the pieces attack on an empty board.
 TEST(Tropism, CountsAttackedSquaresAroundAKing) {
-    for (int king = 0; king < 64; ++king) {
-        if (rankOf64(king) % 7 == 0 || fileOf64(king) % 7 == 0) continue;
+    for (const Square64 king : allSquares) {
+        if (rankOf(king) % 7 == 0 || fileOf(king) % 7 == 0) continue;
         const SquareMask zone = kingAttacks[king];
         const KingTropism& tropism = kingTropism[king];
-        for (int from = 0; from < 64; ++from) {
+        for (const Square64 from : allSquares) {
             if (from == king) continue;
-            SCOPED_TRACE(testing::Message() << king << ' ' << from);
+            SCOPED_TRACE(squareText(king) + ' ' + squareText(from));
             const SquareMask near = zone & kingAttacks[from];
             const SquareMask diagonals = bishopRays[from];
             const SquareMask lines = rookRays[from];
@@ -176,8 +176,8 @@ TEST(Tropism, PawnsUpToTheKingsRank) {
     EXPECT_EQ(pawnTerm("8/8/8/4k3/8/6P1/8/4K3 w - - 0 1"), Pair(10, -4));
     EXPECT_EQ(pawnTerm("8/8/8/4k3/8/8/4P3/4K3 w - - 0 1"), Pair(0, 0));
     // Two kings on a file with one square between them share three squares.
-    EXPECT_EQ(pairOf(kingTropism[28].term(King, 44)), Pair(3 * 18, 3 * 14));
-    EXPECT_EQ(pairOf(kingTropism[44].term(King, 28)), Pair(3 * 18, 3 * 14));
+    EXPECT_EQ(pairOf(kingTropism[as64(E4)].term(King, as64(E6))), Pair(3 * 18, 3 * 14));
+    EXPECT_EQ(pairOf(kingTropism[as64(E6)].term(King, as64(E4))), Pair(3 * 18, 3 * 14));
 }
 
 }  // namespace

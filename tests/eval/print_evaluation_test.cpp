@@ -1,4 +1,4 @@
-// print_evaluation_test.cpp - the printed table, to the character.
+// tests/eval/print_evaluation_test.cpp - the printed table, to the character.
 #include "eval/print_evaluation.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,11 @@
 // tests/search/search_test.cpp - what a search on one thread finds, and that it is repeatable.
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include "bench/fixed_search.h"
 #include "board/attacks.h"
+#include "board/legality.h"
 #include "board/make_move.h"
 #include "board/move_generation.h"
 #include "eval/scores.h"
@@ -66,12 +69,59 @@ TEST_F(SearchTest, FindsMates) {
         EXPECT_EQ(bestOf(c.fen, c.depth), c.move);
         EXPECT_EQ(score(), c.score);
         expectLegalLines(search, game->board);
+        ASSERT_TRUE(search.record.stop);
+        EXPECT_EQ(search.record.stop->reason, StopReason::ForcedMate);
+        EXPECT_EQ(search.record.stop->matePlies, 1);
     }
+}
+
+TEST_F(SearchTest, AMateNearerThanTheDepthIsPlayedAndReported) {
+    // The second iteration sees the mate in two, which needs three plies.
+    EXPECT_EQ(bestOf("8/2kp1Ppr/3N4/K1p5/4B3/8/2q5/8 w - - 0 1", 8), "d6b5");
+    EXPECT_EQ(score(), MateScore - 3);
+    ASSERT_TRUE(search.record.stop);
+    EXPECT_EQ(search.record.stop->reason, StopReason::ForcedMate);
+    // Whatever the table makes the iterations find, each of them ends inside its window.
+    for (const char* fen :
+         {"r5rk/5p1p/5R2/4B3/8/8/7P/7K w - - 0 1", "4r1k1/5ppp/8/8/8/2q5/5PPP/1Q4K1 b - - 0 1"}) {
+        SCOPED_TRACE(fen);
+        setUp(fen);
+        search.run(game->board, 8);
+        const Move first = search.run(game->board, 8).best;  // with what the table now knows
+        ASSERT_TRUE(search.record.stop);
+        EXPECT_EQ(search.record.stop->reason, StopReason::ForcedMate);
+        EXPECT_EQ(search.record.lines.back().moves.front(), first);
+        EXPECT_GT(score(), MateThreshold);
+    }
+}
+
+TEST_F(SearchTest, AMateOnTheHundredthPlyComesBeforeTheDraw) {
+    EXPECT_EQ(bestOf("6k1/5ppp/8/8/8/8/8/R3K3 w - - 99 80", 2), "a1a8");
+    EXPECT_EQ(score(), MateScore - 1);
+    EXPECT_NE(bestOf("6k1/5pp1/8/8/8/8/8/R3K3 w - - 99 80", 2), "");  // a check, but no mate
+    EXPECT_EQ(score(), DrawScore);
 }
 
 TEST_F(SearchTest, SeesThatItIsMated) {
     bestOf("7k/7p/5K2/8/8/8/8/6R1 b - - 0 1", 8);  // every move allows Rg8
     EXPECT_LT(score(), -MateThreshold);
+    ASSERT_TRUE(search.record.stop);
+    EXPECT_EQ(search.record.stop->reason, StopReason::GettingMated);
+    EXPECT_EQ(search.record.stop->matePlies, score() + MateScore);
+}
+
+TEST_F(SearchTest, SaysWhyItStops) {
+    const std::pair<const char*, StopReason> cases[] = {
+        {"8/8/8/3k4/8/8/8/K5n1 w - - 0 1", StopReason::ForcedDraw},
+        {"k7/8/8/8/8/8/6q1/7K w - - 0 1", StopReason::ForcedMove},
+        {startPositionFEN, StopReason::DepthLimit},
+    };
+    for (const auto& [fen, reason] : cases) {
+        SCOPED_TRACE(fen);
+        bestOf(fen, 4);
+        ASSERT_TRUE(search.record.stop);
+        EXPECT_EQ(search.record.stop->reason, reason);
+    }
 }
 
 TEST_F(SearchTest, ASideWithItsKingAloneNeverWins) {
@@ -130,19 +180,21 @@ TEST_F(SearchTest, StaysWithinTheRecords) {
 // A table entry of another position under the right key must not put its move on the board.
 TEST_F(SearchTest, ForeignTableMovesAreNeverPlayed) {
     setUp(fixedPositions[4]);
-    const ScoreLimits limits = {-MateScore, MateScore - 1};
+    const Move foreign = makeMoveWord(A1, H8, EnPassant);
     MoveList list;
     generateLegalMoves(game->board, list);
     for (const ScoredMove& entry : list) {
         UndoRecord undo;
         makeMove(game->board, entry.move, undo);
-        const Move foreign = makeMoveWord(toSq64(A1), toSq64(H8), EnPassant);
-        search.table.store(game->board.record().key, 1, limits, {-MateScore, MateScore, 1, 1}, -20,
-                           foreign);
+        search.table.store(game->board.record().key, {foreign, -20, Bound::Exact, 1, 0});
         unmakeMove(game->board, entry.move, undo);
     }
     const SearchResult result = search.run(game->board, 5);
     EXPECT_TRUE(isValidMove(game->board, result.best));
+    const std::vector<Move>& refused = search.record.refusedMoves;
+    EXPECT_FALSE(refused.empty());
+    EXPECT_EQ(std::count(refused.begin(), refused.end(), foreign),
+              static_cast<std::ptrdiff_t>(refused.size()));
     EXPECT_TRUE(isConsistent(search.searcher->board));
     EXPECT_EQ(search.searcher->board.record().key, game->board.record().key);
 }

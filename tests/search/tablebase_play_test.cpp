@@ -25,7 +25,7 @@ struct TablebasePlay : testing::Test {
         for (const char piece : ending) {
             if (piece == 'K') colour = ~colour;
             const auto type = static_cast<PieceType>(std::string("?PNBRQK").find(piece));
-            const Square square = toSquare(static_cast<int>(generator() % 64));
+            const Square square = as88(static_cast<Square64>(generator() % 64));
             if (game->board.pieceOn[square] != NoPiece) return false;
             if (!game->board.addPiece(square, type, colour)) return false;
         }
@@ -65,7 +65,7 @@ TEST_F(TablebasePlay, CastlingRightsKeepThePositionOutOfTheTables) {
     ASSERT_TRUE(game->setup("4k2r/8/8/8/8/8/8/K2Q4 w k - 0 1"));
     search.run(game->board, 3);
     EXPECT_GT(search.record.lines.back().depth, 0U);
-    EXPECT_GT(search.searcher->statistics.tbHits, 0U);  // where the right is gone
+    EXPECT_GT(search.searcher->tbHits, 0U);  // where the right is gone
 }
 
 }  // namespace

@@ -37,15 +37,6 @@ TEST(TimePlan, SharesTheTimeUpToTheEndOfTheSession) {
     }
 }
 
-TEST(TimePlan, ReportsItself) {
-    TimeControl control;
-    EXPECT_EQ(planTime(control, 0).text(control, 0),
-              "# movesPerSession=40 timePerSession=30000 increment=0\n"
-              "# ply=0 fullMoveNumber=1 remainingMoves=40 nSessions=1\n"
-              "# total=30000 elapsed=0 remaining=30000 available=30000 max=675\n"
-              "# set maxTime = 675\n");
-}
-
 TEST(TimeControl, ARunningClockGoesOnIntoTheNextSearch) {
     TimeControl control;
     control.timeUsed = 500;
@@ -67,6 +58,111 @@ TEST(TimeControl, SettingTheClockLeavesTheTimeOfTheSearch) {
     control.timeUsed = 260000;
     EXPECT_LT(control.searchTime(), 100);
     EXPECT_GE(control.clockReading(), 260000U);
+}
+
+struct ClockCase {
+    const char* why;
+    std::uint32_t perSession, base, increment, plyCount, elapsed;
+    std::optional<std::int32_t> told;
+    unsigned helpers;
+    std::int32_t planned;
+    std::int32_t timeForMove;
+};
+
+TEST(ClockLimit, NoMoveMayTakeMoreThanTheClockHolds) {
+    const ClockCase cases[] = {
+        {"the first increment is still to come", 0, 100, 100, 0, 0, {}, 0, 138, 97},
+        {"a plan within the clock stays", 0, 100, 100, 0, 0, {}, 0, 92, 92},
+        {"each helper takes its time to stop", 0, 100, 100, 0, 0, {}, 3, 138, 94},
+        {"the reserve is half of a short clock", 40, 100, 0, 0, 95, {}, 9, 50, 2},
+        {"of a single centisecond nothing is left", 40, 100, 0, 0, 99, {}, 0, 1, 0},
+        {"an overdrawn clock", 40, 100, 0, 0, 150, {}, 0, 5, 0},
+        {"an overdrawn plan stays", 40, 100, 0, 0, 150, {}, 0, -50, -50},
+        {"what was told counts, not the session", 40, 100, 0, 78, 0, 20, 0, 150, 17},
+        {"told more than the session has", 40, 100, 0, 0, 0, 5000, 0, 4000, 4000},
+        {"told before the opponent's move: the next session is not there yet", 40, 6000, 200, 79, 0,
+         10, 0, 5000, 7},
+        {"told nonsense", 40, 100, 0, 0, 0, -5, 0, 30, 0},
+    };
+    for (const ClockCase& c : cases) {
+        SCOPED_TRACE(c.why);
+        // On a busy machine a centisecond may pass between two lines.
+        TimeControl control;
+        control.movesPerSession = c.perSession;
+        control.baseTime = c.base;
+        control.increment = c.increment;
+        control.timeUsed = c.elapsed;
+        if (c.told) control.setTimeLeft(*c.told, c.plyCount);
+        control.searchStartedAt = clockNow();
+        control.timeForMove = c.planned;
+        const auto limit = control.limitTimeForMove(c.plyCount, c.helpers);
+        EXPECT_EQ(limit.has_value(), c.planned != c.timeForMove);
+        EXPECT_GE(control.timeForMove, c.timeForMove);
+        EXPECT_LE(control.timeForMove, c.timeForMove + 20);
+        if (limit) {
+            EXPECT_EQ(limit->timeForMove, control.timeForMove);
+            EXPECT_GE(limit->held, limit->timeForMove - 20);
+        }
+    }
+}
+
+TEST(ClockLimit, WhatWasToldHoldsUntilTheClockIsSetOtherwise) {
+    const auto limitAfter = [](auto event) {
+        TimeControl control;
+        control.setTimeLeft(10, 0);
+        event(control);
+        control.searchStartedAt = clockNow();
+        control.timeForMove = 1'000'000;
+        return control.limitTimeForMove(0, 0)->held;
+    };
+    EXPECT_EQ(limitAfter([](TimeControl&) {}), 10);
+    EXPECT_EQ(limitAfter([](TimeControl& control) { control.timeUsed += 4; }), 6);
+    EXPECT_EQ(limitAfter([](TimeControl& control) { control.baseTime = 60000; }), 10);
+    EXPECT_EQ(limitAfter([](TimeControl& control) {
+                  control.baseTime = 60000;
+                  control.timeUsed = 500;
+                  control.forgetTimeLeft();
+              }),
+              59500);
+    EXPECT_EQ(limitAfter([](TimeControl& control) { control.restartGame(); }), 30000);
+    EXPECT_EQ(limitAfter([](TimeControl& control) { control.reset(); }), 30000);
+}
+
+TEST(ClockLimit, TimeToldDuringASearchCountsFromThen) {
+    TimeControl control;
+    control.startSearch();
+    control.clockStart -= 200;  // as if 2 s had passed
+    control.searchStartedAt -= 200;
+    control.timeForMove = 1000;
+    control.setTimeLeft(500, 0);
+    EXPECT_GE(control.clockReading(), 29500U);  // not 29700: the 2 s are in what was told
+    EXPECT_LT(control.clockReading(), 29600U);
+    const auto limit = control.limitTimeForMove(0, 0);
+    ASSERT_TRUE(limit);
+    EXPECT_LE(limit->held, 500);
+    EXPECT_GT(limit->held, 400);
+    // The 2 s that are gone, and what is left but for the reserve.
+    EXPECT_GE(limit->timeForMove, 697);
+    EXPECT_LT(limit->timeForMove, 750);
+    control.setTimeLeft(6000, 0);
+    EXPECT_FALSE(control.limitTimeForMove(0, 0));  // more time makes no search longer
+    EXPECT_EQ(control.timeForMove, limit->timeForMove);
+}
+
+TEST(TimeControl, AnalysisCostsNoPlayingTime) {
+    TimeControl control;
+    control.timeUsed = 150;
+    control.timed = false;
+    control.startSearch();
+    control.searchStartedAt -= 300;  // as if 3 s had passed
+    EXPECT_GE(control.searchTime(), 300);
+    control.stop();
+    EXPECT_FALSE(control.clockRunning);
+    EXPECT_EQ(control.timeUsed, 150U);
+    control.timed = true;
+    control.startSearch();
+    EXPECT_TRUE(control.clockRunning);
+    EXPECT_LT(planTime(control, 0).elapsed, 300);
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// The perft hash must not change a count of leaves, and the counts of nodes follow its rules.
+// tests/tools/perft_test.cpp - the perft hash must not change a count of leaves, and the counts of
+// nodes follow its rules.
 #include "tools/perft.h"
 
 #include <cstdio>

@@ -1,4 +1,5 @@
-// Random positions must look like chess, and their text must read back to the same board.
+// tests/tools/random_positions_test.cpp - random positions must look like chess, and their text
+// must read back to the same board.
 #include "tools/random_positions.h"
 
 #include <cstdio>
@@ -34,7 +35,7 @@ void expectLegal(Board_0x88& board) {
     }
     const Square whiteKing = board.kingSquare(White);
     const Square blackKing = board.kingSquare(Black);
-    ASSERT_GT(kingDistance(toSq64(whiteKing), toSq64(blackKing)), 1);
+    ASSERT_GT(kingDistance(as64(whiteKing), as64(blackKing)), 1);
     ASSERT_FALSE(isAttacked(board, board.kingSquare(~board.toMove()), board.toMove()));
     ASSERT_LE(countSquares(computePins(board).checkers), 1);
     if (board.epSquare == NoSquare) return;
@@ -46,11 +47,11 @@ void expectLegal(Board_0x88& board) {
     ASSERT_EQ(board.halfmoveClock, 0);
     std::string before = board.toFEN();
     Board_0x88 earlier;
-    for (int square = 0; square < 128; ++square) {
-        if (!isOnBoard(square) || board.pieceOn[square] == NoPiece) continue;
-        const int from = square == board.epSquare - back ? board.epSquare + back : square;
-        earlier.addPiece(static_cast<Square>(from), board.pieceAt(static_cast<Square>(square)),
-                         board.colourAt(static_cast<Square>(square)));
+    for (const Square64 square64 : allSquares) {
+        const Square square = as88(square64);
+        if (board.pieceOn[square] == NoPiece) continue;
+        const Square from = square == board.epSquare - back ? board.epSquare + back : square;
+        earlier.addPiece(from, board.pieceAt(square), board.colourAt(square));
     }
     ASSERT_FALSE(isAttacked(earlier, earlier.kingSquare(board.toMove()), ~board.toMove()));
 }

@@ -1,4 +1,4 @@
-// The self-test as a whole: some 790 million leaves.
+// tests/tools/self_test_test.cpp - the self-test as a whole: some 790 million leaves.
 #include "tools/self_test.h"
 
 #include "support.h"

@@ -1,98 +1,196 @@
-// src/egtb/generator/generator.cpp - one table from start to finish.
+// egtb/generator/generator.cpp - a table from start to finish, and a list of tables.
 #include "egtb/generator/generator.h"
 
+#include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <new>
+#include <thread>
 
 #include "egtb/generator/ending.h"
 #include "egtb/generator/loaded_table.h"
+#include "egtb/generator/part_file.h"
+#include "egtb/generator/resources.h"
 #include "egtb/generator/table_writer.h"
 
 namespace vatro::egtb {
 namespace {
 
-// Shares of the time of one table, from five-piece runs.
+// Shares of the time of one table, measured with five-piece endings.
 constexpr double PreparePart = 0.2;
 constexpr double SolvePart = 0.5;
 constexpr double WritePart = 1 - PreparePart - SolvePart;
-// How many plies an ending takes is not known before; the bar nears its end ever more slowly.
+// The number of plies is not known in advance. After this many, 63% of the search counts as done;
+// it approaches 100% ever more slowly.
 constexpr double TypicalPlies = 50;
-
-/// Memory that the system can still give, in bytes; 0 when it does not say.
-std::uint64_t freeMemory() {
-    std::ifstream file("/proc/meminfo");
-    std::string key;
-    std::uint64_t kilobytes = 0;
-    std::string unit;
-    while (file >> key >> kilobytes) {
-        std::getline(file, unit);
-        if (key == "MemAvailable:") return kilobytes * 1024;
-    }
-    return 0;
-}
+// How often to look whether another process has finished its table.
+constexpr std::chrono::milliseconds WaitInterval{200};
+// Of a file to the number of its values; the mean of all tables of up to five pieces.
+constexpr double TypicalCompression = 0.17;
 
 std::string megabytes(std::uint64_t bytes) { return std::to_string(bytes >> 20) + " MB"; }
 
+Status checkMemory(const Material& material) {
+    const std::uint64_t available = availableMemory();
+    const std::uint64_t needed = memoryToMake(material);
+    if (available == 0 || needed <= available) return Status::good();
+    return Status::failure(material.name() + " needs " + megabytes(needed) +
+                           " of memory, but only " + megabytes(available) + " can be had");
+}
+
+/// What the run needs: memory for its largest table, room on the disk.
+Status checkResources(const std::vector<Material>& missing, const std::string& directory) {
+    if (missing.empty()) return Status::good();
+    const auto largest = std::max_element(
+        missing.begin(), missing.end(),
+        [](const Material& a, const Material& b) { return memoryToMake(a) < memoryToMake(b); });
+    Status status = checkMemory(*largest);
+    if (!status.isGood()) return status;
+    double bytes = 0;
+    for (const Material& material : missing) {
+        const std::uint64_t values = makeHeader(material, DefaultBlockBits).valueCount();
+        bytes += TypicalCompression * static_cast<double>(values);
+    }
+    const std::uint64_t space = freeDiskSpace(directory);
+    if (space == 0 || bytes <= static_cast<double>(space)) return status;
+    return Status::failure("the tables will take about " +
+                           megabytes(static_cast<std::uint64_t>(bytes)) + ", but only " +
+                           megabytes(space) + " are free in " + directory);
+}
+
+/// Waits until the file is ours or another process has made the table; `isThere` says which.
+Status claimTable(const Material& material,
+                  const GeneratorOptions& options,
+                  GeneratorListener& listener,
+                  PartFile& file,
+                  bool& isThere) {
+    for (;;) {
+        switch (file.claim()) {
+            case PartFile::Claim::Failed:
+                return Status::failure(file.fault());
+            case PartFile::Claim::Taken:
+                if (options.workers.areStopped() ||
+                    !listener.advances("waiting for another process", 0)) {
+                    return Status::interrupted();
+                }
+                std::this_thread::sleep_for(WaitInterval);
+                break;
+            case PartFile::Claim::Unlocked:
+                listener.warns("the file system of " + options.directory +
+                               " gives no locks: let no other process make " + material.name() +
+                               " there");
+                [[fallthrough]];
+            case PartFile::Claim::Held:
+                isThere = checkTable(options.directory, material).state == TableState::Complete;
+                return Status::good();
+        }
+    }
+}
+
+Status makeTable(const Material& material,
+                 const GeneratorOptions& options,
+                 GeneratorListener& listener,
+                 PartFile& file) {
+    try {
+        // Other programs may have taken memory since the run began.
+        Status status = checkMemory(material);
+        if (!status.isGood()) return status;
+        Ending ending(material);
+        if (!listener.advances("reading smaller endings", 0)) return Status::interrupted();
+        status = ending.prepare(options.directory, options.workers);
+        if (!status.isGood()) return status;
+        status = ending.solve(options.workers, [&](int plies) {
+            const double part = 1 - std::exp(-plies / TypicalPlies);
+            return listener.advances("searching for mates", PreparePart + SolvePart * part);
+        });
+        if (!status.isGood()) return status;
+        const auto partDone = [&](double part) {
+            return listener.advances("writing", PreparePart + SolvePart + WritePart * part);
+        };
+        return writeTable(ending, material, file, options.blockBits, options.workers, partDone);
+    } catch (const std::bad_alloc&) {
+        return Status::failure(material.name() + ": out of memory");
+    }
+}
+
+/// The smaller tables of a list that neither it nor the directory has.
+Status checkNeeds(const std::vector<Material>& list, const std::string& directory) {
+    for (auto material = list.begin(); material != list.end(); ++material) {
+        for (const Material& needed : successors(*material)) {
+            if (std::find(list.begin(), material, needed) != material) continue;
+            const std::string path = tablePath(directory, needed);
+            if (TableFile::open(path).fault == TableFault::None) continue;
+            return Status::failure(material->name() + " needs " + needed.name() + ", but " + path +
+                                   " is missing or unusable; make it first");
+        }
+    }
+    return Status::good();
+}
+
 }  // namespace
 
-TableState tableState(const std::string& directory, const Material& material) {
+TableCheck checkTable(const std::string& directory, const Material& material) {
     const std::string path = tablePath(directory, material);
     std::error_code error;
     if (!std::filesystem::exists(std::filesystem::symlink_status(path, error))) {
-        return TableState::Missing;
+        return {TableState::Missing, {}};
     }
-    std::string fault;
-    bool isForeign = false;
-    const auto table = TableFile::open(path, fault, isForeign);
-    if (table && table->header().material == material) return TableState::Complete;
-    return isForeign ? TableState::Foreign : TableState::Damaged;
+    const OpenedTable opened = TableFile::open(path);
+    switch (opened.fault) {
+        case TableFault::None:
+            break;
+        case TableFault::Damaged:
+            return {TableState::Damaged, {}};
+        default:
+            return {TableState::LeftAlone,
+                    path + " " + opened.faultText() + " and is left alone; " + opened.advice()};
+    }
+    const bool isSound =
+        opened.table->header().material == material && opened.table->hasSoundBlocks();
+    return {isSound ? TableState::Complete : TableState::Damaged, {}};
 }
 
-bool makeTable(const Material& material, const GeneratorOptions& options, std::string& error) {
-    const std::string path = tablePath(options.directory, material);
-    if (tableState(options.directory, material) == TableState::Foreign) {
-        error = path + " was not written by this program and is left alone";
-        return false;
-    }
-    try {
-        Ending ending(material);
-        const std::uint64_t available = freeMemory();
-        if (available > 0 && ending.memoryNeeded() > available) {
-            error = material.name() + " needs " + megabytes(ending.memoryNeeded()) +
-                    " of memory, but only " + megabytes(available) + " are free";
-            return false;
-        }
-        if (!options.progress({"reading smaller endings", 0})) {
-            error = "interrupted";
-            return false;
-        }
-        if (!ending.prepare(options.directory, options.threads, error)) return false;
-        const auto plyDone = [&](int plies) {
-            const double part = 1 - std::exp(-plies / TypicalPlies);
-            return options.progress({"searching for mates", PreparePart + SolvePart * part});
-        };
-        if (!ending.solve(options.threads, plyDone, error)) return false;
-        const auto partDone = [&](double part) {
-            return options.progress({"writing", PreparePart + SolvePart + WritePart * part});
-        };
-        return writeTable(ending, material, path, options.blockBits, options.threads, partDone,
-                          error);
-    } catch (const std::bad_alloc&) {
-        error = material.name() + ": out of memory";
-        return false;
-    }
-}
+std::uint64_t memoryToMake(const Material& material) { return Ending(material).memoryNeeded(); }
 
-bool makeTables(const std::vector<Material>& list,
-                const GeneratorOptions& options,
-                std::string& error) {
+Status makeTables(const std::vector<Material>& list,
+                  const GeneratorOptions& options,
+                  GeneratorListener& listener) {
+    // 1. What is there, and what the run will need.
+    std::vector<Material> missing;
     for (const Material& material : list) {
-        if (tableState(options.directory, material) == TableState::Complete) continue;
-        if (!makeTable(material, options, error)) return false;
+        const TableCheck check = checkTable(options.directory, material);
+        if (check.state == TableState::LeftAlone) return Status::failure(check.line);
+        if (check.state != TableState::Complete) missing.push_back(material);
+        if (options.workers.areStopped()) return Status::interrupted();
     }
-    return true;
+    Status status = checkNeeds(missing, options.directory);
+    if (!status.isGood()) return status;
+    std::error_code error;
+    std::filesystem::create_directories(options.directory, error);
+    if (error) return Status::failure(options.directory + ": " + error.message());
+    status = checkResources(missing, options.directory);
+    if (!status.isGood()) return status;
+    listener.runBegins(list.size() - missing.size(), missing);
+    // 2. The tables.
+    for (const Material& material : missing) {
+        listener.tableBegins(material);
+        const std::string path = tablePath(options.directory, material);
+        PartFile file(path);
+        bool isThere = false;
+        status = claimTable(material, options, listener, file, isThere);
+        if (!status.isGood()) return status;
+        if (isThere) {
+            listener.tableIsThere(material);
+            continue;
+        }
+        status = makeTable(material, options, listener, file);
+        if (!status.isGood()) return status;
+        const auto size = std::filesystem::file_size(path, error);
+        if (error) return Status::failure(path + ": " + error.message());
+        listener.tableEnds(material, size);
+    }
+    return Status::good();
 }
 
 }  // namespace vatro::egtb

@@ -1,21 +1,21 @@
-// src/egtb/generator/main.cpp - vatro-tbgen: makes, checks and describes tablebases.
+// egtb/generator/main.cpp - vatro-tbgen: makes, checks and describes tablebases.
+#include <algorithm>
 #include <atomic>
-#include <cctype>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
+#include <iterator>
 #include <new>
 #include <string>
-#include <system_error>
-#include <thread>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "egtb/generator/generator.h"
-#include "egtb/generator/loaded_table.h"
+#include "egtb/generator/plan.h"
 #include "egtb/generator/progress.h"
+#include "egtb/generator/resources.h"
 #include "egtb/generator/verify.h"
-#include "egtb/position_index.h"
 
 namespace vatro::egtb {
 namespace {
@@ -29,23 +29,29 @@ constexpr char usage[] =
     "  ENDING        an ending of three to five pieces, such as KRPKR\n"
     "  --pieces N    all endings of up to N pieces, 3 to 5\n"
     "  --out DIR     the directory of the tables (default: the current one)\n"
-    "  --threads N   threads to use (default: as many as the machine has)\n"
-    "  --verify      do not make tables; check each position against its moves\n"
-    "  --stats       do not make tables; print wins, draws, losses and the longest mates\n"
+    "  --threads N   threads to use (default: one for each processor that may be used)\n"
+    "  --only        make the named endings only; the tables that they need must be there\n"
+    "Instead of making tables:\n"
+    "  --verify      check the value of each position against its moves\n"
+    "  --stats       print wins, draws, losses and the longest mates\n"
+    "  --list        print for each ending, after those it needs: name, pieces, megabytes to make\n"
+    "                it, and what it needs\n"
+    "  --makefile    print a makefile that makes each table by a command of its own\n"
     "  --help        print this text\n";
+
+enum class Task { Make, Verify, Statistics, List, Makefile, Help };
 
 struct Options {
     std::vector<Material> endings;  // named ones
     int pieces = 0;                 // 0: none but the named ones
     std::string directory = ".";
-    int threads = 0;
-    bool verifies = false;
-    bool printsStatistics = false;
-    bool printsHelp = false;
+    int threads = 0;  // 0: not given
+    bool makesOnlyNamed = false;
+    Task task = Task::Make;
 };
 
 std::atomic<bool> isInterrupted{false};
-static_assert(std::atomic<bool>::is_always_lock_free);  // it is set by a signal handler
+static_assert(std::atomic<bool>::is_always_lock_free);  // a signal handler sets it
 
 void interrupt(int) { isInterrupted = true; }
 
@@ -58,17 +64,22 @@ bool readNumber(const char* text, int least, int most, int& number) {
     return true;
 }
 
-/// False with a line in `error` when an argument makes no sense.
-bool readOptions(int argc, char** argv, Options& options, std::string& error) {
+/// The tasks by their options.
+constexpr std::pair<std::string_view, Task> taskOptions[] = {{"--verify", Task::Verify},
+                                                             {"--stats", Task::Statistics},
+                                                             {"--list", Task::List},
+                                                             {"--makefile", Task::Makefile},
+                                                             {"--help", Task::Help}};
+
+Status readOptions(int argc, char** argv, Options& options) {
     constexpr int MostThreads = 1024;
     for (int i = 1; i < argc; ++i) {
         const std::string argument = argv[i];
         const bool takesValue =
             argument == "--pieces" || argument == "--out" || argument == "--threads";
-        if (takesValue && i + 1 == argc) {
-            error = argument + " needs a value";
-            return false;
-        }
+        if (takesValue && i + 1 == argc) return Status::failure(argument + " needs a value");
+        const auto task = std::find_if(std::begin(taskOptions), std::end(taskOptions),
+                                       [&](const auto& entry) { return entry.first == argument; });
         bool isGood = true;
         if (argument == "--pieces") {
             isGood = readNumber(argv[++i], 3, MaxPieces, options.pieces);
@@ -76,102 +87,111 @@ bool readOptions(int argc, char** argv, Options& options, std::string& error) {
             isGood = readNumber(argv[++i], 1, MostThreads, options.threads);
         } else if (argument == "--out") {
             options.directory = argv[++i];
-        } else if (argument == "--verify") {
-            options.verifies = true;
-        } else if (argument == "--stats") {
-            options.printsStatistics = true;
-        } else if (argument == "--help") {
-            options.printsHelp = true;
+        } else if (argument == "--only") {
+            options.makesOnlyNamed = true;
+        } else if (task != std::end(taskOptions)) {
+            options.task = task->second;
         } else if (const auto material = parseMaterial(argument)) {
             options.endings.push_back(*material);
         } else {
-            error = "neither an option nor an ending: " + argument;
-            return false;
+            return Status::failure("neither an option nor an ending: " + argument);
         }
-        if (!isGood) {
-            error = argument + " does not take " + argv[i];
-            return false;
-        }
+        if (!isGood) return Status::failure(argument + " does not take " + argv[i]);
     }
-    if (options.printsHelp) return true;
-    if (options.pieces == 0 && options.endings.empty()) error = "no ending given";
-    return error.empty();
+    if (options.task == Task::Help) return Status::good();
+    if (options.pieces == 0 && options.endings.empty()) return Status::failure("no ending given");
+    if (options.makesOnlyNamed && options.pieces > 0) {
+        return Status::failure("--only takes names of endings, not --pieces");
+    }
+    return Status::good();
 }
 
+/// The work that an ending takes, for progress: its number of values.
 double workOf(const Material& material) {
     return static_cast<double>(makeHeader(material, DefaultBlockBits).valueCount());
 }
 
-/// Calls `task` for each ending under the eyes of the user.
-template <typename Task>
-bool forEachEnding(const std::vector<Material>& list, Task task) {
+/// Prints a message of failure below what has been printed so far.
+void printFailure(Progress& progress, const Status& status) {
+    progress.clearBar();
+    std::fflush(stdout);
+    std::fprintf(stderr, "vatro-tbgen: %s\n", status.line().c_str());
+}
+
+double workOfAll(const std::vector<Material>& list) {
     double total = 0;
     for (const Material& material : list) {
         total += workOf(material);
     }
-    Progress progress(total);
+    return total;
+}
+
+/// Calls `task(ending, progress)` for each ending of a list, up to the first failure.
+template <typename Task>
+bool forEachEnding(const std::vector<Material>& list, Task task) {
+    Progress progress(workOfAll(list));
     for (const Material& material : list) {
         progress.beginTask(material.name(), workOf(material));
-        std::string error;
-        if (task(material, progress, error)) continue;
-        progress.clearBar();
-        std::fflush(stdout);
-        std::fprintf(stderr, "vatro-tbgen: %s\n", error.c_str());
+        const Status status = task(material, progress);
+        if (status.isGood()) continue;
+        printFailure(progress, status);
         return false;
     }
     return true;
 }
 
-bool makeAll(const Options& options, const std::vector<Material>& list) {
-    std::vector<Material> missing;
-    for (const Material& material : list) {
-        if (tableState(options.directory, material) != TableState::Complete) {
-            missing.push_back(material);
+/// Shows how the tables come along.
+class Reporter : public GeneratorListener {
+  public:
+    void runBegins(std::size_t kept, const std::vector<Material>& missing) override {
+        if (kept > 0) {
+            std::printf("%zu of %zu tables are already there\n", kept, kept + missing.size());
         }
+        progress = Progress(workOfAll(missing));
     }
-    std::error_code status;
-    std::filesystem::create_directories(options.directory, status);
-    if (status) {
-        std::fprintf(stderr, "vatro-tbgen: %s: %s\n", options.directory.c_str(),
-                     status.message().c_str());
-        return false;
+    void tableBegins(const Material& material) override {
+        progress.beginTask(material.name(), workOf(material));
     }
-    const std::size_t kept = list.size() - missing.size();
-    if (kept > 0) std::printf("%zu of %zu tables are already there\n", kept, list.size());
-    return forEachEnding(
-        missing, [&](const Material& material, Progress& progress, std::string& error) {
-            GeneratorOptions generator;
-            generator.directory = options.directory;
-            generator.threads = options.threads;
-            generator.progress = [&](const TableProgress& table) {
-                progress.update(table.step, table.part);
-                return !isInterrupted;
-            };
-            if (!makeTable(material, generator, error)) return false;
-            std::error_code ignored;
-            const auto size =
-                std::filesystem::file_size(tablePath(options.directory, material), ignored);
-            char text[64];
-            std::snprintf(text, sizeof(text), "%8.1f s %12llu bytes", progress.taskSeconds(),
-                          static_cast<unsigned long long>(size));
-            progress.endTask(text);
-            return true;
-        });
+    bool advances(const char* step, double part) override {
+        progress.update(step, part);
+        return !isInterrupted;
+    }
+    void tableEnds(const Material&, std::uint64_t fileSize) override {
+        char text[64];
+        std::snprintf(text, sizeof(text), "%8.1f s %12llu bytes", progress.taskSeconds(),
+                      static_cast<unsigned long long>(fileSize));
+        progress.endTask(text);
+    }
+    void tableIsThere(const Material&) override { progress.endTask("was made by another process"); }
+    void warns(const std::string& line) override {
+        progress.clearBar();
+        std::fflush(stdout);
+        std::fprintf(stderr, "vatro-tbgen: %s\n", line.c_str());
+    }
+
+    Progress progress{0};
+};
+
+bool makeAll(const Options& options, const std::vector<Material>& list, const Workers& workers) {
+    GeneratorOptions generator;
+    generator.directory = options.directory;
+    generator.workers = workers;
+    Reporter reporter;
+    const Status status = makeTables(list, generator, reporter);
+    if (!status.isGood()) printFailure(reporter.progress, status);
+    return status.isGood();
 }
 
-bool verifyAll(const Options& options, const std::vector<Material>& list) {
-    return forEachEnding(
-        list, [&](const Material& material, Progress& progress, std::string& error) {
-            const auto partDone = [&](double part) {
-                progress.update("verifying", part);
-                return !isInterrupted;
-            };
-            if (!verifyTable(options.directory, material, options.threads, partDone, error)) {
-                return false;
-            }
-            progress.endTask("verified");
-            return true;
-        });
+bool verifyAll(const Options& options, const std::vector<Material>& list, const Workers& workers) {
+    return forEachEnding(list, [&](const Material& material, Progress& progress) {
+        const auto partDone = [&](double part) {
+            progress.update("verifying", part);
+            return !isInterrupted;
+        };
+        Status status = verifyTable(options.directory, material, workers, partDone);
+        if (status.isGood()) progress.endTask("verified");
+        return status;
+    });
 }
 
 std::string describe(const TableStatistics::Side& side, const char* name) {
@@ -189,57 +209,93 @@ std::string describe(const TableStatistics::Side& side, const char* name) {
     return text;
 }
 
-bool describeAll(const Options& options, const std::vector<Material>& list) {
-    return forEachEnding(
-        list, [&](const Material& material, Progress& progress, std::string& error) {
-            TableStatistics statistics;
-            if (!countTable(options.directory, material, options.threads, statistics, error)) {
-                return false;
-            }
-            std::string text = std::to_string(statistics.fileSize) + " bytes";
-            text += describe(statistics.side[White], "White");
-            if (!material.isSymmetric()) text += describe(statistics.side[Black], "Black");
-            progress.endTask(text);
-            return true;
-        });
+bool describeAll(const Options& options,
+                 const std::vector<Material>& list,
+                 const Workers& workers) {
+    return forEachEnding(list, [&](const Material& material, Progress& progress) {
+        TableStatistics statistics;
+        Status status = countTable(options.directory, material, workers, statistics);
+        if (!status.isGood()) return status;
+        std::string text = std::to_string(statistics.fileSize) + " bytes";
+        text += describe(statistics.side[White], "White");
+        if (!material.isSymmetric()) text += describe(statistics.side[Black], "Black");
+        progress.endTaskWithText(text);
+        return status;
+    });
+}
+
+bool printMakefile(const Options& options, const std::vector<Material>& list) {
+    if (options.directory.find_first_of(" \t$#:;|%\\'\"") != std::string::npos) {
+        std::fputs("vatro-tbgen: make cannot handle the name of the directory\n", stderr);
+        return false;
+    }
+    const MakefileOptions makefile{options.directory, std::max(1, options.threads)};
+    std::fputs(makefileOf(list, makefile).c_str(), stdout);
+    return true;
+}
+
+/// The endings that the options name, each after those that it needs. Tasks that only read tables
+/// leave out what was not named.
+std::vector<Material> endingsOf(const Options& options) {
+    std::vector<Material> list = allMaterials(options.pieces);
+    const auto add = [&](const Material& ending) {
+        if (std::find(list.begin(), list.end(), ending) == list.end()) list.push_back(ending);
+    };
+    const bool readsOnly = options.task == Task::Verify || options.task == Task::Statistics;
+    for (const Material& named : options.endings) {
+        if (readsOnly || options.makesOnlyNamed) {
+            add(named);
+            continue;
+        }
+        for (const Material& needed : withAllSuccessors(named)) {
+            add(needed);
+        }
+    }
+    return list;
+}
+
+/// Ends the work on a signal, unless the caller ignores it as nohup does.
+void handleSignal(int signal) {
+    if (std::signal(signal, interrupt) == SIG_IGN) std::signal(signal, SIG_IGN);
 }
 
 int run(int argc, char** argv) {
     Options options;
-    std::string error;
-    if (!readOptions(argc, argv, options, error)) {
-        std::fprintf(stderr, "vatro-tbgen: %s\n%s", error.c_str(), usage);
+    const Status status = readOptions(argc, argv, options);
+    if (!status.isGood()) {
+        std::fprintf(stderr, "vatro-tbgen: %s\n%s", status.line().c_str(), usage);
         return ExitUsage;
     }
-    if (options.printsHelp) {
-        std::fputs(usage, stdout);
-        return EXIT_SUCCESS;
-    }
-    if (options.threads == 0) {
-        options.threads = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
-    }
-    std::signal(SIGINT, interrupt);
-    std::signal(SIGTERM, interrupt);
-    std::signal(SIGHUP, interrupt);
-    std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is an error like a full disk
+    handleSignal(SIGINT);
+    handleSignal(SIGTERM);
+    handleSignal(SIGHUP);
+    std::signal(SIGXFSZ, SIG_IGN);  // a write beyond the limit then fails like one to a full disk
 
-    const bool makesTables = !options.verifies && !options.printsStatistics;
-    std::vector<Material> list = allMaterials(options.pieces);
-    for (const Material& material : options.endings) {
-        const auto add = [&](const Material& ending) {
-            if (std::find(list.begin(), list.end(), ending) == list.end()) list.push_back(ending);
-        };
-        if (makesTables) {
-            for (const Material& needed : withAllSuccessors(material)) {
-                add(needed);
-            }
-        }
-        add(material);
+    const std::vector<Material> list = endingsOf(options);
+    const Workers workers{options.threads > 0 ? options.threads : usableProcessors(),
+                          &isInterrupted};
+    bool isDone = true;
+    switch (options.task) {
+        case Task::Make:
+            isDone = makeAll(options, list, workers);
+            break;
+        case Task::Verify:
+            isDone = verifyAll(options, list, workers);
+            break;
+        case Task::Statistics:
+            isDone = describeAll(options, list, workers);
+            break;
+        case Task::List:
+            std::fputs(describeNeeds(list).c_str(), stdout);
+            break;
+        case Task::Makefile:
+            isDone = printMakefile(options, list);
+            break;
+        case Task::Help:
+            std::fputs(usage, stdout);
+            break;
     }
-    if (makesTables) return makeAll(options, list) ? EXIT_SUCCESS : EXIT_FAILURE;
-    if (options.verifies && !verifyAll(options, list)) return EXIT_FAILURE;
-    if (options.printsStatistics && !describeAll(options, list)) return EXIT_FAILURE;
-    return EXIT_SUCCESS;
+    return isDone ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// src/egtb/generator/progress.cpp - the progress bar.
+// egtb/generator/progress.cpp - the progress bar.
 #include "egtb/generator/progress.h"
 
 #include <cstdio>
@@ -9,6 +9,7 @@ namespace {
 
 constexpr std::size_t BarWidth = 30;
 constexpr std::chrono::milliseconds UpdateInterval{200};
+constexpr double LeastEstimable = 0.01;  // before that, the time left is a mere guess
 
 double secondsSince(std::chrono::steady_clock::time_point start) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
@@ -34,18 +35,19 @@ void Progress::update(const char* step, double part) {
     const double done = (workDone + part * taskWork) / totalWork;
     const auto filled = static_cast<std::size_t>(done * BarWidth);
     const std::string bar = std::string(filled, '#') + std::string(BarWidth - filled, '.');
-    std::string left = "--:--";
-    // Before that the estimate says nothing.
-    if (done > 0.01) {
-        const int seconds = static_cast<int>(secondsSince(start) * (1 - done) / done);
-        char text[32];
-        std::snprintf(text, sizeof(text), "%d:%02d", seconds / 60, seconds % 60);
-        left = text;
-    }
     std::printf("\r[%s] %3d%%  %s left  %s  %s\x1b[K", bar.c_str(), static_cast<int>(100 * done),
-                left.c_str(), taskName.c_str(), step);
+                timeLeft(done).c_str(), taskName.c_str(), step);
     std::fflush(stdout);
     hasBar = true;
+}
+
+std::string Progress::timeLeft(double done) const {
+    if (done <= LeastEstimable) return "-:--:--";
+    const int seconds = static_cast<int>(secondsSince(start) * (1 - done) / done);
+    char text[32];
+    std::snprintf(text, sizeof(text), "%d:%02d:%02d", seconds / 3600, seconds / 60 % 60,
+                  seconds % 60);
+    return text;
 }
 
 void Progress::clearBar() {
@@ -53,11 +55,21 @@ void Progress::clearBar() {
     hasBar = false;
 }
 
-void Progress::endTask(const std::string& result) {
+void Progress::endTaskWithText(const std::string& result) {
     clearBar();
     workDone += taskWork;
     std::printf("%-6s %s\n", taskName.c_str(), result.c_str());
     std::fflush(stdout);
+}
+
+void Progress::endTask(const std::string& result) {
+    const double done = (workDone + taskWork) / totalWork;
+    // On a terminal the bar says it.
+    if (isTerminal || done >= 1) return endTaskWithText(result);
+    char rest[64];
+    std::snprintf(rest, sizeof(rest), "  (%.0f%% of all, %s left)", 100 * done,
+                  timeLeft(done).c_str());
+    endTaskWithText(result + rest);
 }
 
 }  // namespace vatro::egtb

@@ -1,4 +1,4 @@
-// src/egtb/generator/progress.h - tells the user how far the work is.
+// egtb/generator/progress.h - shows the user how far the work has got.
 #pragma once
 
 #include <chrono>
@@ -16,14 +16,20 @@ class Progress {
     void beginTask(const std::string& name, double work);
     /// `part` of the task is done, 0.0 to 1.0.
     void update(const char* step, double part);
-    /// Ends the task and prints `result` after its name.
+    /// Ends the task and prints `result` after its name, without a terminal also how far the run
+    /// is.
     void endTask(const std::string& result);
-    /// Removes the bar, so that a message can be printed.
+    /// The same for results of several lines.
+    void endTaskWithText(const std::string& result);
+    /// Removes the bar from the terminal, before a message is printed.
     void clearBar();
     double taskSeconds() const;
 
   private:
     using Clock = std::chrono::steady_clock;
+
+    /// Of the whole run, of which the part `done` is done: hours, minutes, seconds.
+    std::string timeLeft(double done) const;
 
     bool isTerminal;
     double totalWork;

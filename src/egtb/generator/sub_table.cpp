@@ -1,4 +1,4 @@
-// src/egtb/generator/sub_table.cpp - turning a finished table into lines of move values.
+// egtb/generator/sub_table.cpp - from a finished table to lines of move values.
 #include "egtb/generator/sub_table.h"
 
 #include "egtb/generator/loaded_table.h"
@@ -9,70 +9,102 @@ namespace vatro::egtb {
 namespace {
 
 constexpr std::uint64_t WordsPerTask = 1024;
+constexpr int SquaresOfRank = 8;
 
 }  // namespace
 
-SubTable::SubTable(const Material& material, Colour toMove)
-    : ending(material), mover(toMove), layout(material) {}
+SubTable::SubTable(const Material& material,
+                   Colour toMove,
+                   bool parentHasPawns,
+                   const std::optional<Man>& promoted)
+    : ending(material),
+      mover(toMove),
+      keepsPawnSymmetry(parentHasPawns),
+      manList(orderedMen(material)) {
+    std::uint64_t stride = 1;
+    for (int man = 0; man < static_cast<int>(manList.size()); ++man) {
+        if (promoted && promotedIndex < 0 && manList[man] == *promoted) {
+            promotedIndex = man;
+            places[man] = {as64(promoted->colour == White ? A8 : A1), SquaresOfRank, stride};
+        } else if (manList[man].type == Pawn) {
+            places[man] = {as64(A2), 64 - 2 * SquaresOfRank, stride};
+        } else {
+            places[man] = {as64(A1), 64, stride};
+        }
+        stride *= static_cast<std::uint64_t>(places[man].squareCount);
+    }
+    kingStride = stride;
+    for (const Square64 square : allSquares) {
+        if (normalisingSymmetry(square, keepsPawnSymmetry) != 0) continue;
+        kingIndex[square] = static_cast<std::uint8_t>(kingSquares.size());
+        kingSquares.push_back(square);
+    }
+    wordCount = kingStride * kingSquares.size();
+}
 
-bool SubTable::load(const std::string& directory, int threads, std::string& error) {
+WordPieces SubTable::pieces(std::uint64_t word) const {
+    WordPieces result{};
+    result.whiteKing = kingSquares[word / kingStride];
+    result.occupied = maskOf(result.whiteKing);
+    std::uint64_t rest = word % kingStride;
+    for (std::size_t man = 0; man < manList.size(); ++man) {
+        const auto count = static_cast<std::uint64_t>(places[man].squareCount);
+        result.at[man] = places[man].firstSquare + static_cast<int>(rest % count);
+        result.occupied |= maskOf(result.at[man]);
+        rest /= count;
+    }
+    result.isPossible = countSquares(result.occupied) == static_cast<int>(manList.size()) + 1;
+    return result;
+}
+
+std::uint64_t SubTable::bytesToLoad() const {
+    if (ending.pieceCount() == 2) return 0;
+    return LoadedTable::bytesOfSide(ending.canonical());
+}
+
+Status SubTable::load(const std::string& directory, const Workers& workers) {
     const bool isBareKings = ending.pieceCount() == 2;
+    const bool isSwapped = !ending.isCanonical();
     LoadedTable table;
     if (!isBareKings) {
-        if (!table.load(directory, ending.canonical(), threads, error)) return false;
+        const Colour stored = isSwapped ? ~mover : mover;
+        Status status = table.load(directory, ending.canonical(), workers, stored);
+        if (!status.isGood()) return status;
         maxPlies = table.header().maxPlies;
-        if (maxPlies > MaxPlies - 2) {
-            error = ending.canonical().name() + " has mates too long to build on";
-            return false;
+        // The move adds a ply, and MaxPlies is not the length of a win.
+        if (maxPlies >= MaxPlies) {
+            return Status::failure(ending.canonical().name() + " has mates too long to build on");
         }
     }
-    lines.resize(layout.wordCount());
-    const bool isSwapped = !ending.isCanonical();
-    parallelFor(threads, lines.size(), WordsPerTask, [&](std::uint64_t begin, std::uint64_t end) {
+    lines = LargeArray<ValueLine>(wordCount);
+    parallelFor(workers, wordCount, WordsPerTask, [&](std::uint64_t begin, std::uint64_t end) {
+        std::array<std::uint8_t, 64> codes{};
         for (std::uint64_t word = begin; word < end; ++word) {
-            ValueLine& line = lines[word];
-            line.fill(NoMove);
-            const WordPieces pieces = layout.pieces(word);
-            SquareMask kings = layout.legalKings(pieces, mover);
-            if (kings == 0) continue;
-            Position position = layout.position(pieces, lowestSquare(kings));
-            position.sideToMove = mover;
+            const WordPieces fixed = pieces(word);
+            SquareMask kings = legalKings(manList, fixed, mover);
+            if (kings == 0) continue;  // a zeroed line holds NoMoveValue
+            if (!isBareKings) {
+                Position position = positionOf(manList, fixed, lowestSquare(kings));
+                position.sideToMove = mover;
+                table.codesOf(position, isSwapped, kings, codes);
+            }
             for (; kings; kings &= kings - 1) {
-                const int king = lowestSquare(kings);
-                position.pieces[Black].squares[0] = static_cast<std::uint8_t>(king);
-                line[king] =
-                    isBareKings ? DrawValue : valueOfMoveTo(table.codeOf(position, isSwapped));
+                const Square64 king = lowestSquare(kings);
+                lines[word][king] = isBareKings ? DrawValue : valueOfMoveTo(codes[king]);
             }
         }
     });
-    return true;
+    return workers.areStopped() ? Status::interrupted() : Status::good();
 }
 
-std::uint64_t SubTable::wordOf(int whiteKing, const int* at, int& symmetry) const {
-    symmetry = normalisingSymmetry(whiteKing, layout.hasPawns());
-    std::uint64_t word = layout.kingPart(mapSquare(whiteKing, symmetry));
-    for (int man = 0; man < layout.menCount(); ++man) {
-        word += layout.partOf(man, mapSquare(at[man], symmetry));
+const ValueLine& SubTable::lineOf(Square64 whiteKing, const ManSquares& at, int& symmetry) const {
+    symmetry = normalisingSymmetry(whiteKing, keepsPawnSymmetry);
+    std::uint64_t word = kingStride * kingIndex[mapSquare(whiteKing, symmetry)];
+    for (std::size_t man = 0; man < manList.size(); ++man) {
+        const int square = mapSquare(at[man], symmetry) - places[man].firstSquare;
+        word += places[man].stride * static_cast<std::uint64_t>(square);
     }
-    return word;
-}
-
-void SubTable::fetch(int whiteKing, const int* at, ValueLine& line) const {
-    int symmetry = 0;
-    const ValueLine& stored = lines[wordOf(whiteKing, at, symmetry)];
-    if (symmetry == 0) {
-        line = stored;
-        return;
-    }
-    for (int king = 0; king < 64; ++king) {
-        line[king] = stored[mapSquare(king, symmetry)];
-    }
-}
-
-Value SubTable::fetch(int whiteKing, const int* at, int blackKing) const {
-    int symmetry = 0;
-    const ValueLine& stored = lines[wordOf(whiteKing, at, symmetry)];
-    return stored[mapSquare(blackKing, symmetry)];
+    return lines[word];
 }
 
 }  // namespace vatro::egtb

@@ -1,7 +1,7 @@
-// src/egtb/generator/value_code.h - values as the generator keeps them: the better, the greater.
+// egtb/generator/value_code.h - values as the generator keeps them: a better one is greater.
 //
-// The order lets the best of several moves be found with the maximum of bytes. A side without any
-// move counts as lost at once; a king left en prise is no move, so it is worth the same.
+// The best of several moves is then the maximum of bytes. The least value stands for no move at
+// all; it equals that of a side that is mated, which has none.
 #pragma once
 
 #include <cassert>
@@ -14,7 +14,7 @@ namespace vatro::egtb {
 /// 0 to 127: lost in twice as many plies. 128: drawn. 129 to 255: won in 2 * (256 - value) - 1.
 using Value = std::uint8_t;
 
-constexpr Value NoMove = 0;
+constexpr Value NoMoveValue = 0;
 constexpr Value DrawValue = 128;
 
 constexpr Value lossIn(int plies) { return static_cast<Value>(plies / 2); }
@@ -37,7 +37,7 @@ constexpr Value valueOfMoveTo(std::uint8_t code) {
 static_assert(pliesOfValue(winIn(1)) == 1 && pliesOfValue(winIn(253)) == 253);
 static_assert(pliesOfValue(lossIn(0)) == 0 && pliesOfValue(lossIn(254)) == 254);
 static_assert(winIn(1) > winIn(3) && winIn(253) > DrawValue && lossIn(254) < DrawValue);
-static_assert(valueOfMoveTo(codeOfPlies(1)) == lossIn(2) &&
+static_assert(NoMoveValue == 0 && valueOfMoveTo(codeOfPlies(1)) == lossIn(2) &&
               valueOfMoveTo(codeOfPlies(0)) == winIn(1));
 
 }  // namespace vatro::egtb

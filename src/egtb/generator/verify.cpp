@@ -1,15 +1,15 @@
-// src/egtb/generator/verify.cpp - going through all positions of a finished table.
+// egtb/generator/verify.cpp - going through all positions of a finished table.
 //
-// Moves are made one by one here, unlike in the generator, so that both would have to be wrong in
-// the same way for a fault to pass.
+// Moves are made one at a time here, by other code than the generator's: a fault goes unnoticed
+// only if both make the same one.
 #include "egtb/generator/verify.h"
 
 #include <algorithm>
 #include <atomic>
-#include <map>
 #include <memory>
 #include <mutex>
 
+#include "egtb/block_cache.h"
 #include "egtb/generator/loaded_table.h"
 #include "egtb/generator/parallel.h"
 #include "egtb/generator/value_code.h"
@@ -19,55 +19,84 @@ namespace vatro::egtb {
 namespace {
 
 constexpr std::uint64_t PositionsPerTask = 1 << 16;
+constexpr std::uint64_t WordsPerTask = 1024;
+constexpr std::uint64_t SamplesPerTask = 64;
+// Positions of each table that are checked by single moves: below a second, mostly of reading.
+constexpr std::uint64_t Samples = 4096;
 
-/// A table and all tables that one move leads to.
+/// A table and all tables that one move leads to, read a block at a time.
 class Family {
   public:
-    bool load(const std::string& directory,
-              const Material& material,
-              int threads,
-              std::string& error) {
+    Status open(const std::string& directory, const Material& material) {
         std::vector<Material> needed = successors(material);
         needed.push_back(material);
-        tables.resize(std::size_t{MenKeyCount} * MenKeyCount);
+        entries.resize(std::size_t{MenKeyCount} * MenKeyCount);
+        std::uint32_t blockSize = 0;
         for (const Material& ending : needed) {
-            auto table = std::make_shared<LoadedTable>();
-            if (!table->load(directory, ending, threads, error)) return false;
-            const Material swapped = ending.withColoursSwapped();
-            tables[keyOf(swapped)] = {table, true};
-            tables[keyOf(ending)] = {table, false};
+            const std::string path = tablePath(directory, ending);
+            OpenedTable opened = TableFile::open(path);
+            if (!opened.table) {
+                return Status::failure(path + " " + opened.faultText() + "; " + opened.advice());
+            }
+            blockSize = std::max(blockSize, opened.table->header().blockSize());
+            const int table = static_cast<int>(tables.size());
+            tables.push_back(std::move(opened.table));
+            entries[keyOf(ending.withColoursSwapped())] = {table, true};
+            entries[keyOf(ending)] = {table, false};
         }
-        return true;
+        cache = std::make_unique<BlockCache>(CacheBytes, blockSize);
+        return Status::good();
     }
 
-    std::uint8_t codeOf(const Position& position) const {
+    std::uint8_t codeOf(const Position& position) {
         const Material material = position.material();
         if (material.pieceCount() == 2) return DrawCode;
-        const Entry& entry = tables[keyOf(material)];
-        return entry.table->codeOf(position, entry.isSwapped);
+        const Entry& entry = entries[keyOf(material)];
+        const TableFile& table = *tables[entry.table];
+        const std::uint64_t offset = table.numbers().offsetOf(position, entry.isSwapped);
+        const auto block = static_cast<std::uint32_t>(offset >> table.header().blockBits);
+        const auto within = static_cast<std::uint32_t>(offset) & (table.header().blockSize() - 1);
+        const int cached = cache->find(entry.table, block, within);
+        if (cached >= 0) return static_cast<std::uint8_t>(cached);
+        std::uint8_t values[1U << MaxBlockBits];
+        if (!table.readBlock(block, values)) {
+            damaged = entry.table;
+            return DrawCode;
+        }
+        cache->insert(entry.table, block, values, table.valuesInBlock(block));
+        return values[within];
+    }
+
+    /// Name of a table of which a block could not be read; empty when there is none.
+    std::string damagedTable() const {
+        return damaged < 0 ? std::string() : tables[damaged]->header().material.name();
     }
 
     /// The code that a position's moves give it.
-    std::uint8_t codeByMoves(const Position& position, int ep) const {
-        Value best = NoMove;
-        forEachChild(position, ep, [&](const Position& child, int childEp) {
+    std::uint8_t codeByMoves(const Position& position, Square64 ep) {
+        Value best = NoMoveValue;
+        forEachChild(position, ep, [&](const Position& child, Square64 childEp) {
             const std::uint8_t code =
                 childEp == NoEpSquare ? codeOf(child) : codeByMoves(child, childEp);
             best = std::max(best, valueOfMoveTo(code));
         });
-        if (best != NoMove) return codeOfValue(best);
+        if (best != NoMoveValue) return codeOfValue(best);
         return isInCheck(position, position.sideToMove) ? codeOfPlies(0) : DrawCode;
     }
 
   private:
+    static constexpr std::size_t CacheBytes = std::size_t{64} << 20;
     struct Entry {
-        std::shared_ptr<LoadedTable> table;
+        int table = -1;
         bool isSwapped = false;
     };
     static std::size_t keyOf(const Material& material) {
         return std::size_t{MenKeyCount} * material.side[White].key() + material.side[Black].key();
     }
-    std::vector<Entry> tables;
+    std::vector<std::unique_ptr<TableFile>> tables;
+    std::vector<Entry> entries;  // by material
+    std::unique_ptr<BlockCache> cache;
+    std::atomic<int> damaged{-1};
 };
 
 std::string describe(int code) {
@@ -76,23 +105,22 @@ std::string describe(int code) {
     return (isWinCode(code) ? "win in " : "loss in ") + plies + " plies";
 }
 
-/// The number is the one that stands for its position, not its mirror image.
+/// False when the number is the greater one of a position and its mirror image.
 bool isFirstImage(const PositionIndex& index, std::uint64_t number, const Position& position) {
-    const int white = position.pieces[White].kingSquare();
-    const int black = position.pieces[Black].kingSquare();
-    if (fileOf64(white) != rankOf64(white) || fileOf64(black) != rankOf64(black)) return true;
+    const Square64 white = position.pieces[White].kingSquare();
+    const Square64 black = position.pieces[Black].kingSquare();
+    if (fileOf(white) != rankOf(white) || fileOf(black) != rankOf(black)) return true;
     Position mirrored = position;
     for (Position::Pieces& pieces : mirrored.pieces) {
         for (int i = 0; i < pieces.count; ++i) {
-            const int square = pieces.squares[i];
-            if (pieces.types[i] == Pawn) return true;  // this symmetry is not one with pawns
-            pieces.squares[i] = static_cast<std::uint8_t>(((square & 7) << 3) | (square >> 3));
+            if (pieces.types[i] == Pawn) return true;  // with pawns the diagonal is no symmetry
+            pieces.squares[i] = mapSquare(pieces.squares[i], SwapAxes);
         }
     }
     return number <= index.encode(mirrored);
 }
 
-/// Calls `use(number, position)` for the legal positions of both stored sides to move.
+/// Calls `use(number, position)` for each legal position with a stored side to move.
 template <typename Use>
 void forEachPosition(const TableHeader& header,
                      const PositionIndex& index,
@@ -107,6 +135,70 @@ void forEachPosition(const TableHeader& header,
             if (isWellFormed(position) && isLegal(position)) use(number, position);
         }
     }
+}
+
+/// Reads a table as lines of the values of moves into its positions.
+Status readLines(const std::string& directory,
+                 const Material& material,
+                 const WordLayout& layout,
+                 Colour toMove,
+                 const Workers& workers,
+                 LargeArray<ValueLine>& lines) {
+    LoadedTable table;
+    Status status = table.load(directory, material, workers, toMove);
+    if (!status.isGood()) return status;
+    lines = LargeArray<ValueLine>(layout.wordCount());
+    parallelFor(workers, layout.wordCount(), WordsPerTask,
+                [&](std::uint64_t begin, std::uint64_t end) {
+                    std::array<std::uint8_t, 64> codes{};
+                    for (std::uint64_t word = begin; word < end; ++word) {
+                        const WordPieces pieces = layout.pieces(word);
+                        SquareMask kings = legalKings(layout.men(), pieces, toMove);
+                        if (kings == 0) continue;
+                        Position position = positionOf(layout.men(), pieces, lowestSquare(kings));
+                        position.sideToMove = toMove;
+                        table.codesOf(position, false, kings, codes);
+                        for (; kings; kings &= kings - 1) {
+                            const Square64 king = lowestSquare(kings);
+                            lines[word][king] = valueOfMoveTo(codes[king]);
+                        }
+                    }
+                });
+    return workers.areStopped() ? Status::interrupted() : status;
+}
+
+/// Checks positions all over the table, each move made on its own.
+Status verifySample(const std::string& directory,
+                    const Material& material,
+                    const Workers& workers) {
+    Family family;
+    Status status = family.open(directory, material);
+    if (!status.isGood()) return status;
+    const TableHeader header = makeHeader(material, DefaultBlockBits);
+    const PositionIndex index(material);
+    std::atomic<bool> isGood{true};
+    std::mutex reporting;
+    const std::uint64_t step = index.size() / Samples | 1;  // odd, so that it meets all squares
+    const std::uint64_t count = (index.size() + step - 1) / step;
+    parallelFor(workers, count, SamplesPerTask, [&](std::uint64_t begin, std::uint64_t end) {
+        for (std::uint64_t i = begin; i < end && isGood; ++i) {
+            forEachPosition(
+                header, index, i * step, i * step + 1,
+                [&](std::uint64_t, const Position& position) {
+                    const int stored = family.codeOf(position);
+                    const int byMoves = family.codeByMoves(position, NoEpSquare);
+                    if (stored == byMoves) return;
+                    const std::lock_guard<std::mutex> lock(reporting);
+                    if (!isGood.exchange(false)) return;
+                    status = Status::failure(wrongValueLine(material, position, stored, byMoves));
+                });
+        }
+    });
+    if (!family.damagedTable().empty()) {
+        return Status::failure(tablePath(directory, *parseMaterial(family.damagedTable())) +
+                               " is damaged; delete it, so that it can be made again");
+    }
+    return workers.areStopped() ? Status::interrupted() : status;
 }
 
 }  // namespace
@@ -139,46 +231,39 @@ std::string fenOf(const Position& position) {
     return text + (position.sideToMove == White ? " w - - 0 1" : " b - - 0 1");
 }
 
-bool verifyTable(const std::string& directory,
-                 const Material& material,
-                 int threads,
-                 const PartDone& partDone,
-                 std::string& error) {
-    Family family;
-    if (!family.load(directory, material, threads, error)) return false;
-    const TableHeader header = makeHeader(material, DefaultBlockBits);
-    const PositionIndex index(material);
-    std::atomic<bool> isGood{true};
-    std::atomic<std::uint64_t> done{0};
-    std::mutex reporting;
-    parallelFor(
-        threads, index.size(), PositionsPerTask, [&](std::uint64_t begin, std::uint64_t end) {
-            if (!isGood) return;
-            forEachPosition(
-                header, index, begin, end, [&](std::uint64_t, const Position& position) {
-                    const int stored = family.codeOf(position);
-                    const int byMoves = family.codeByMoves(position, NoEpSquare);
-                    if (stored == byMoves) return;
-                    const std::lock_guard<std::mutex> lock(reporting);
-                    if (!isGood.exchange(false)) return;
-                    error = material.name() + ": " + fenOf(position) + " is stored as " +
-                            describe(stored) + ", its moves give " + describe(byMoves);
-                });
-            const std::uint64_t sum = done.fetch_add(end - begin) + end - begin;
-            const std::lock_guard<std::mutex> lock(reporting);
-            const double part = static_cast<double>(sum) / static_cast<double>(index.size());
-            if (!partDone(part) && isGood.exchange(false)) error = "interrupted";
-        });
-    return isGood;
+std::string wrongValueLine(const Material& material,
+                           const Position& position,
+                           int stored,
+                           int byMoves) {
+    return material.name() + ": " + fenOf(position) + " is stored as " + describe(stored) +
+           ", its moves give " + describe(byMoves) + "; delete the file and make it again";
 }
 
-bool countTable(const std::string& directory,
-                const Material& material,
-                int threads,
-                TableStatistics& statistics,
-                std::string& error) {
+Status verifyTable(const std::string& directory,
+                   const Material& material,
+                   const Workers& workers,
+                   const PartDone& partDone) {
+    Status status = verifySample(directory, material, workers);
+    if (!status.isGood()) return status;
+    Ending ending(material);
+    status = ending.prepare(directory, workers);
+    if (!status.isGood()) return status;
+    std::array<LargeArray<ValueLine>, ColourCount> stored;
+    for (const Colour toMove : {White, Black}) {
+        status =
+            readLines(directory, material, ending.wordLayout(), toMove, workers, stored[toMove]);
+        if (!status.isGood()) return status;
+    }
+    return ending.verify(workers, stored, partDone);
+}
+
+Status countTable(const std::string& directory,
+                  const Material& material,
+                  const Workers& workers,
+                  TableStatistics& statistics) {
     LoadedTable table;
-    if (!table.load(directory, material, threads, error)) return false;
+    Status status = table.load(directory, material, workers);
+    if (!status.isGood()) return status;
     const PositionIndex index(material);
     statistics.fileSize = table.header().fileSize;
     std::mutex adding;
@@ -187,7 +272,7 @@ bool countTable(const std::string& directory,
         std::uint64_t number = 0;
         Position position;
         void take(int otherPlies, std::uint64_t otherNumber, const Position& other) {
-            // The lowest number, so that the answer does not depend on the threads.
+            // Of like ones the lowest number wins, so that the answer does not depend on threads.
             if (otherPlies < plies || (otherPlies == plies && otherNumber >= number)) return;
             plies = otherPlies;
             number = otherNumber;
@@ -200,7 +285,7 @@ bool countTable(const std::string& directory,
         std::array<Longest, 2> longest{};
     };
     std::array<Sum, ColourCount> total;
-    parallelFor(threads, index.size(), PositionsPerTask,
+    parallelFor(workers, index.size(), PositionsPerTask,
                 [&](std::uint64_t begin, std::uint64_t end) {
                     std::array<Sum, ColourCount> part;
                     forEachPosition(table.header(), index, begin, end,
@@ -242,7 +327,7 @@ bool countTable(const std::string& directory,
             side.longestWinFen = fenOf(sum.longest[1].position);
         }
     }
-    return true;
+    return status;
 }
 
 }  // namespace vatro::egtb

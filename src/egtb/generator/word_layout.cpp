@@ -1,39 +1,31 @@
-// src/egtb/generator/word_layout.cpp - numbering words and finding their legal positions.
+// egtb/generator/word_layout.cpp - numbering words.
 #include "egtb/generator/word_layout.h"
 
-#include <algorithm>
-
+#include "egtb/generator/set_numbers.h"
 #include "egtb/symmetry.h"
 
 namespace vatro::egtb {
 
-std::vector<Man> orderedMen(const Material& material) {
-    std::vector<Man> men;
-    for (const Colour colour : {White, Black}) {
-        const MenOfSide& side = material.side[colour];
-        for (int i = 0; i < side.count; ++i) {
-            men.push_back({side.types[i], colour});
-        }
-    }
-    std::stable_partition(men.begin(), men.end(), [](const Man& man) { return man.type == Pawn; });
-    return men;
-}
-
 WordLayout::WordLayout(const Material& material)
     : manList(orderedMen(material)), withPawns(material.hasPawns()) {
+    for (int man = 0; man < menCount(); ++man) {
+        if (groups.empty() || manList[man] != manList[groups.back().first]) {
+            groups.push_back({man, 0, 0, 0, &SetNumbers::of(manList[man].type == Pawn)});
+        }
+        ++groups.back().count;
+        groupOf[man] = static_cast<int>(groups.size()) - 1;
+    }
     std::uint64_t stride = 1;
-    for (int man = menCount() - 1; man >= 0; --man) {
-        const bool isPawn = manList[man].type == Pawn;
-        strides[man] = stride;
-        firstSquare[man] = isPawn ? 8 : 0;
-        squareCount[man] = isPawn ? 48 : 64;
-        stride *= squareCount[man];
+    for (auto group = groups.rbegin(); group != groups.rend(); ++group) {
+        group->stride = stride;
+        group->size = group->numbers->setCount(group->count);
+        stride *= group->size;
     }
     kingStride = stride;
-    for (int square = 0; square < 64; ++square) {
+    for (const Square64 square : allSquares) {
         if (normalisingSymmetry(square, withPawns) != 0) continue;
         kingIndex[square] = static_cast<std::uint8_t>(kingSquares.size());
-        kingSquares.push_back(static_cast<std::uint8_t>(square));
+        kingSquares.push_back(square);
     }
     words = kingStride * kingSquares.size();
 }
@@ -43,54 +35,43 @@ WordPieces WordLayout::pieces(std::uint64_t word) const {
     auto rest = static_cast<std::uint32_t>(word % kingStride);
     result.whiteKing = kingSquares[word / kingStride];
     result.occupied = maskOf(result.whiteKing);
-    for (int man = menCount() - 1; man >= 0; --man) {
-        const int square = static_cast<int>(rest % squareCount[man]) + firstSquare[man];
-        rest /= squareCount[man];
-        result.at[man] = square;
-        result.occupied |= maskOf(square);
+    for (auto group = groups.rbegin(); group != groups.rend(); ++group) {
+        const auto& squares = group->numbers->squaresOf(group->count, rest % group->size);
+        rest /= group->size;
+        for (int i = 0; i < group->count; ++i) {
+            result.at[group->first + i] = squares[i];
+            result.occupied |= maskOf(squares[i]);
+        }
     }
     result.isPossible = countSquares(result.occupied) == menCount() + 1;
     return result;
 }
 
-SquareMask WordLayout::whiteAttacks(const WordPieces& pieces) const {
-    SquareMask attacked = kingAttacks[pieces.whiteKing];
-    for (int man = 0; man < menCount(); ++man) {
-        if (manList[man].colour != White) continue;
-        attacked |= manList[man].type == Pawn
-                        ? pawnAttacks[White][pieces.at[man]]
-                        : pieceAttacks(manList[man].type, pieces.at[man], pieces.occupied);
+std::uint64_t WordLayout::wordOf(Square64 whiteKing, const ManSquares& at) const {
+    std::uint64_t word = kingPart(whiteKing);
+    for (const Group& group : groups) {
+        const Square64* squares = &at[group.first];
+        const std::uint16_t* numbers = group.count == 1 ? group.numbers->single()
+                                       : group.count == 2
+                                           ? group.numbers->pairWith(squares[1])
+                                           : group.numbers->tripleWith(squares[1], squares[2]);
+        word += numbers[squares[0]] * group.stride;
     }
-    return attacked;
+    return word;
 }
 
-SquareMask WordLayout::whiteInCheck(const WordPieces& pieces) const {
-    SquareMask inCheck = 0;
-    for (int man = 0; man < menCount(); ++man) {
-        if (manList[man].colour != Black) continue;
-        const int from = pieces.at[man];
-        if (attacks(manList[man].type, Black, from, pieces.whiteKing, pieces.occupied)) {
-            // The black king may stand in the way of its own men.
-            inCheck |= ~squaresBetween[from][pieces.whiteKing];
-        }
+WordsOfMan WordLayout::wordsOfMan(std::uint64_t word, const WordPieces& pieces, int man) const {
+    const Group& group = groups[groupOf[man]];
+    const std::uint16_t* numbers = group.numbers->single();
+    if (group.count > 1) {
+        // The other men of the group: the next ones, going round.
+        const auto other = [&](int step) {
+            return pieces.at[group.first + (man - group.first + step) % group.count];
+        };
+        numbers = group.count == 2 ? group.numbers->pairWith(other(1))
+                                   : group.numbers->tripleWith(other(1), other(2));
     }
-    return inCheck;
-}
-
-SquareMask WordLayout::legalKings(const WordPieces& pieces, Colour toMove) const {
-    if (!pieces.isPossible) return 0;
-    const SquareMask apart = ~pieces.occupied & ~kingAttacks[pieces.whiteKing];
-    return apart & ~(toMove == White ? whiteAttacks(pieces) : whiteInCheck(pieces));
-}
-
-Position WordLayout::position(const WordPieces& pieces, int blackKing) const {
-    Position position;
-    position.pieces[White].add(King, pieces.whiteKing);
-    position.pieces[Black].add(King, blackKing);
-    for (int man = 0; man < menCount(); ++man) {
-        position.pieces[manList[man].colour].add(manList[man].type, pieces.at[man]);
-    }
-    return position;
+    return {word - numbers[pieces.at[man]] * group.stride, numbers, group.stride};
 }
 
 }  // namespace vatro::egtb

@@ -1,0 +1,39 @@
+// base/console.cpp - writing to standard output, formatting text for it.
+#include "base/console.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+
+namespace vatro {
+
+void setUpConsole() { std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ); }
+
+void write(std::string_view text) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) std::_Exit(EXIT_FAILURE);
+}
+
+void say(std::string_view text) {
+    write(text);
+    if (std::fflush(stdout) != 0) std::_Exit(EXIT_FAILURE);
+}
+
+void endWithoutMemory() {
+    say("# ERROR: out of memory\n");
+    std::_Exit(EXIT_FAILURE);
+}
+
+std::string formatted(const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    va_end(arguments);
+    std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+    std::vsnprintf(text.data(), text.size() + 1, format, again);
+    va_end(again);
+    return text;
+}
+
+}  // namespace vatro

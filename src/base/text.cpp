@@ -1,0 +1,71 @@
+// base/text.cpp - splitting and joining, trimming, reading numbers.
+#include "base/text.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+
+namespace vatro {
+namespace {
+
+bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+void dropTrailingBlanks(std::string_view& text) {
+    while (text.ends_with(' ')) {
+        text.remove_suffix(1);
+    }
+}
+
+}  // namespace
+
+std::vector<std::string> splitTokens(std::string_view text, char separator) {
+    std::vector<std::string> tokens;
+    for (std::size_t end = 0; (end = text.find(separator)) != std::string_view::npos;) {
+        tokens.emplace_back(text.substr(0, end));
+        text.remove_prefix(end + 1);
+    }
+    if (!text.empty()) tokens.emplace_back(text);
+    return tokens;
+}
+
+std::string joinTokens(const std::vector<std::string>& tokens, char separator) {
+    std::string text;
+    for (const std::string& token : tokens) {
+        if (&token != &tokens.front()) text += separator;
+        text += token;
+    }
+    return text;
+}
+
+int readNumber(std::string_view text) {
+    using Limits = std::numeric_limits<int>;
+    constexpr std::int64_t BeyondInt = std::int64_t{1} << 32;  // more digits change nothing
+    while (!text.empty() && isSpace(text.front())) {
+        text.remove_prefix(1);
+    }
+    const bool negative = text.starts_with('-');
+    if (negative || text.starts_with('+')) text.remove_prefix(1);
+    std::int64_t value = 0;
+    for (; !text.empty() && isDigit(text.front()); text.remove_prefix(1)) {
+        value = std::min(value * 10 + (text.front() - '0'), BeyondInt);
+    }
+    if (negative) value = -value;
+    return static_cast<int>(std::clamp<std::int64_t>(value, Limits::min(), Limits::max()));
+}
+
+std::string_view trimLine(std::string_view line) {
+    line = line.substr(0, line.find('\0'));
+    if (line.ends_with('\n')) line.remove_suffix(1);
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    dropTrailingBlanks(line);
+    return line;
+}
+
+std::string_view trimBlanks(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+    dropTrailingBlanks(text);
+    return text;
+}
+
+}  // namespace vatro

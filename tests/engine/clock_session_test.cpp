@@ -1,0 +1,56 @@
+// tests/engine/clock_session_test.cpp - what the engine makes of the clock in a conversation.
+#include <cstdio>
+
+#include <gtest/gtest.h>
+
+#include "engine/session.h"
+
+namespace vatro::test {
+namespace {
+
+/// The numbers of the plan's third line: total, elapsed, remaining.
+struct Plan {
+    int total = -1;
+    int elapsed = -1;
+    int remaining = -1;
+};
+
+Plan nextPlan(Session& session) {
+    Plan plan;
+    const std::string line = session.nextLine("# total=");
+    EXPECT_EQ(std::sscanf(line.c_str(), "# total=%d elapsed=%d remaining=%d", &plan.total,
+                          &plan.elapsed, &plan.remaining),
+              3)
+        << line;
+    return plan;
+}
+
+TEST(Clock, NoPlanGoesBeyondIt) {
+    Session session;
+    session.send("level 0 0:01 1\ngo");  // one second, and one more only after the move
+    EXPECT_EQ(session.nextLine("# set maxTime"), "# set maxTime = 92");
+    EXPECT_EQ(session.nextLine("# out of book"), "# out of book: corrected maxTime = 138");
+    EXPECT_EQ(session.nextLine("# clock holds"), "# clock holds 100: corrected maxTime = 97");
+    EXPECT_NE(session.nextMove(), "");
+    // White is told the clock before the move that completes a period is recorded.
+    session.send("new\nlevel 1 0:10 0\nforce\nusermove e2e4\ntime 50\nusermove e7e5\ngo");
+    EXPECT_EQ(nextPlan(session).remaining, 1050);
+    EXPECT_EQ(session.nextLine("# clock holds"), "# clock holds 50: corrected maxTime = 47");
+    EXPECT_NE(session.nextMove(), "");
+}
+
+TEST(Clock, ToldDuringASearchMayShortenIt) {
+    Session session;
+    session.send("level 0 100 0\ngo");
+    session.nextLine("2 ");
+    session.send("time 60");
+    EXPECT_NE(session.nextLine("# clock holds 60: corrected maxTime = "), "");
+    EXPECT_NE(session.nextMove(), "");
+    session.send("time 500000\nusermove a7a6");
+    EXPECT_EQ(nextPlan(session).remaining, 500000);  // nothing counted twice
+    session.send("force");
+    session.allAnswersTo("");
+}
+
+}  // namespace
+}  // namespace vatro::test

@@ -1,0 +1,1 @@
+// tests/precompiled.cpp - empty; a precompiled header needs a source to belong to.
