@@ -63,7 +63,8 @@ constexpr GroupFiles groupFilesV1{"/sys/fs/cgroup/memory", "memory.limit_in_byte
 std::uint64_t memoryOfGroup(const std::string& root, const GroupFiles& files, std::string group) {
     std::uint64_t least = Unlimited;
     for (;;) {
-        const std::string folder = root + files.mount + group + '/';
+        std::string folder = root;
+        folder.append(files.mount).append(group).append("/");
         const auto limit = readNumber(folder + files.limit);
         const auto usage = readNumber(folder + files.usage);
         if (limit && usage) {
