@@ -4,6 +4,7 @@
 // results and counts, benchmarks time it.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -80,11 +81,12 @@ class FixedSearch {
     TimeControl control;
     TranspositionTable table;
     PawnHashTable pawnHash;
+    std::atomic<bool> tablesAreWarm{true};
     TablebaseState tablebases;
     SearchRecord record;
     const bool tablesReady;
     std::unique_ptr<Searcher> searcher = std::make_unique<Searcher>(
-        0, SearchContext{table, pawnHash, tablebases, control, record, record});
+        0, SearchContext{table, pawnHash, tablesAreWarm, tablebases, control, record, record});
 };
 
 /// Nodes of all fixed positions, each searched to `depth` with empty tables.

@@ -13,10 +13,12 @@ namespace {
 constexpr int AspirationWindow = 30;  // centipawns on either side; tuned
 constexpr int EasyMoveShare = 8;      // an easy move is played after 1/8 of the time; tuned
 
-// Nodes between two looks at the clock, powers of two. On a busy machine the larger interval takes
-// up to 20 ms (measured), as long as a short clock holds.
+// Nodes between two looks at the clock, powers of two. On a busy machine the largest interval takes
+// up to 20 ms (measured), as long as a short clock holds. While the tables' memory is not there, a
+// node may wait for the system to find and zero a page.
 constexpr std::uint64_t TimeCheckInterval = 4096;
 constexpr std::uint64_t ShortTimeInterval = 256;
+constexpr std::uint64_t ColdTablesInterval = 16;
 constexpr std::int32_t ShortTime = 10;  // centiseconds for the move
 
 /// The largest odd number of plies within `depth` or just above, and the same for even ones.
@@ -38,6 +40,13 @@ void Searcher::prepare(const Board_0x88& gameBoard) {
     iterationDepth = 0;
 }
 
+std::uint64_t Searcher::timeCheckInterval() const {
+    const TimeControl& control = context.timeControl;
+    if (!control.timed) return TimeCheckInterval;
+    if (!context.tablesAreWarm) return ColdTablesInterval;
+    return control.timeForMove < ShortTime ? ShortTimeInterval : TimeCheckInterval;
+}
+
 SearchResult Searcher::iterativeDeepening() {
     return board.sideToMove == White ? iterate<White>() : iterate<Black>();
 }
@@ -46,8 +55,7 @@ template <Colour Us>
 SearchResult Searcher::iterate() {
     const bool isMain = threadIndex == 0;
     const bool timed = context.timeControl.timed;
-    const bool isShort = timed && context.timeControl.timeForMove < ShortTime;
-    timeCheckMask = (isShort ? ShortTimeInterval : TimeCheckInterval) - 1;
+    timeCheckMask = timeCheckInterval() - 1;
     RootScan root = scanRoot<Us>();
     PrincipalVariation& best = root.best;
     int previous = root.score;

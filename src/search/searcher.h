@@ -33,6 +33,7 @@ struct SearchResult {
 struct SearchContext {
     TranspositionTable& transpositionTable;
     PawnHashTable& pawnHash;
+    const std::atomic<bool>& tablesAreWarm;  // the system has handed out all their memory
     const TablebaseState& tablebases;
     const TimeControl& timeControl;
     SearchInterface& player;
@@ -109,6 +110,7 @@ class alignas(64) Searcher {
 
     template <Colour Us>
     RootScan scanRoot();
+    std::uint64_t timeCheckInterval() const;
     template <Colour Us>
     SearchResult iterate();
     template <Colour Us>

@@ -38,7 +38,6 @@ std::uint32_t TimeControl::clockReading() const {
 void TimeControl::startSearch() {
     const std::lock_guard lock(mutex);
     const std::uint32_t now = clockNow();
-    searchStart = readingAt(now);
     searchStartedAt = now;
     if (!timed || clockRunning) return;
     clockStart = now;

@@ -24,8 +24,7 @@ struct TimeControl {
     std::atomic<bool> clockRunning{false};
     std::atomic<std::uint32_t> timeUsed{0};         // by the engine in this game, clock stopped
     std::atomic<std::uint32_t> clockStart{0};       // clockNow() when the clock was started
-    std::atomic<std::uint32_t> searchStart{0};      // clock reading when the search began
-    std::atomic<std::uint32_t> searchStartedAt{0};  // clockNow() then
+    std::atomic<std::uint32_t> searchStartedAt{0};  // clockNow() when the search began
     std::atomic<std::int32_t> timeForMove{0};  // allotted to this move; negative when overdrawn
     std::atomic<std::uint32_t> movesPerSession{40};  // 0: one session is the whole game
     std::atomic<std::uint32_t> baseTime{30000};      // per session

@@ -154,7 +154,7 @@ TEST_F(Player, TimeToldDuringASearchMayShortenIt) {
     control.baseTime = 100 * 60 * 60;
     player->outOfBook = true;
     player->startSearch();
-    while (!control.clockRunning) {
+    while (control.timeForMove == 0) {  // not planned yet
         std::this_thread::yield();
     }
     player->setTimeLeft(100 * 60 * 50);  // plenty

@@ -41,12 +41,11 @@ TEST(TimeControl, ARunningClockGoesOnIntoTheNextSearch) {
     TimeControl control;
     control.timeUsed = 500;
     control.startSearch();
-    EXPECT_EQ(control.searchStart, 500U);
+    EXPECT_GE(control.clockReading(), 500U);
     control.clockStart -= 30;  // as if 0.3 s had passed
     control.searchStartedAt -= 30;
     EXPECT_GE(control.searchTime(), 30);
     control.startSearch();
-    EXPECT_GE(control.searchStart, 530U);
     control.stop();
     EXPECT_GE(control.timeUsed, 530U);
     EXPECT_EQ(control.clockReading(), control.timeUsed);
