@@ -11,6 +11,7 @@
 
 #include "base/console.h"
 #include "base/random.h"
+#include "base/text.h"
 #include "board/attacks.h"
 #include "board/side.h"
 

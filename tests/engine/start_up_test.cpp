@@ -21,7 +21,7 @@ constexpr char startBoard[] =
     "#\n";
 
 std::string outputToPrompt(const Lines& args, std::string_view configuration) {
-    Session session(args, configuration, true);
+    Session session(args, configuration, Session::Client::UserOnPipe);
     return session.process.readUntil("# Your move: ");
 }
 

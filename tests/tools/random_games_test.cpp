@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "base/console.h"
+#include "base/text.h"
 #include "board/draw.h"
 #include "support.h"
 #include "tools/game_statistics.h"
