@@ -3,6 +3,7 @@
 // After every line, and in auto play after every move, the loop checks whether the game has ended
 // and whether it is the engine's turn.
 #include <algorithm>
+#include <utility>
 
 #include "base/console.h"
 #include "base/text.h"
@@ -63,10 +64,15 @@ bool WBEngine::showPrompt() {
 }
 
 void WBEngine::handleLine(const InputLine& line) {
+    constexpr std::size_t MaxLength = 1023;  // bytes of a command
     constexpr std::size_t ShownLength = 60;  // characters of a line that is too long
     const std::lock_guard held(gameLock);
     const std::string text(trimLine(line.text));
-    if (line.tooLong) {
+    if (std::exchange(isFirstLine, false) && text == "uci") {
+        uciRequested = quitRequested = true;
+        return;
+    }
+    if (line.text.size() > MaxLength) {
         say("Error (line too long): " + text.substr(0, ShownLength) + "...\n");
     } else if (!text.empty()) {
         runCommand(text);

@@ -3,9 +3,9 @@
 
 #include "base/console.h"
 #include "base/text.h"
-#include "engine/settings.h"
 #include "engine/unlocked.h"
 #include "engine/wb_engine.h"
+#include "shell/settings.h"
 
 namespace vatro {
 namespace {

@@ -3,20 +3,16 @@
 // The start must be quick: an interface waits only seconds for the answer to "protover".
 #include <chrono>
 #include <cstdlib>
+#include <utility>
 
 #include "base/console.h"
 #include "base/version.h"
-#include "engine/command_line.h"
-#include "engine/configuration.h"
-#include "engine/input_reader.h"
 #include "engine/wb_engine.h"
+#include "shell/command_line.h"
+#include "shell/configuration.h"
 
 namespace vatro {
 namespace {
-
-// File descriptors; fixed by POSIX and by Windows' C library.
-constexpr int StandardInput = 0;
-constexpr int StandardOutput = 1;
 
 /// Random games, random positions and the choice of book moves differ from run to run.
 void seedRandomGenerator() {
@@ -38,32 +34,17 @@ void printBanner() {
 
 }  // namespace
 
-WBEngine::WBEngine()
-    : input(std::make_shared<InputQueue>()),
+WBEngine::WBEngine(std::shared_ptr<InputQueue> lines)
+    : input(std::move(lines)),
       gameLock(gameMutex, std::defer_lock),
       player(timeControl, reporter, this) {}
 
-WBEngine::~WBEngine() {
-    player.stopSearch();
-    input->abandon();
-}
-
-int WBEngine::run(const Args& commandLine) {
-    setUpConsole();
-    atTerminal = inputIsTerminal();
-    // Before the tables, which can do with less memory than its stack.
-    if (!startInputReader(input, StandardInput, StandardOutput)) {
-        say("# ERROR: no thread for the input\n");
-        return EXIT_FAILURE;
-    }
-    startUp(commandLine);
-    if (player.isReady()) runCommandLoop();
-    return player.isReady() ? EXIT_SUCCESS : EXIT_FAILURE;
-}
+WBEngine::~WBEngine() { player.stopSearch(); }
 
 void WBEngine::startUp(const Args& commandLine) {
     seedRandomGenerator();
-    readConfiguration("vatro.ini", player);
+    atTerminal = inputIsTerminal();
+    readConfiguration(ConfigurationFile, player);
     printBanner();
     applyCommandLine(commandLine, player);
     player.preparePlayer(false);

@@ -13,10 +13,10 @@
 #include <string>
 #include <vector>
 
-#include "engine/input_queue.h"
 #include "engine/winboard_reporter.h"
 #include "search/chess_player.h"
 #include "search/time_control.h"
+#include "shell/input_queue.h"
 #include "tools/perft_hash.h"
 #include "tools/stop_check.h"
 
@@ -29,18 +29,18 @@ class WBEngine final : public EngineInterface {
     using Args = std::vector<std::string>;
     using Handler = bool (WBEngine::*)(const Args&);
 
-    WBEngine();
+    /// The command loop takes its lines from `lines`.
+    explicit WBEngine(std::shared_ptr<InputQueue> lines);
     ~WBEngine() override;
-
-    /// Runs the program on standard input and output and returns its exit status.
-    int run(const Args& commandLine);
 
     /// Reads `vatro.ini` and the command line and sets up the first game.
     void startUp(const Args& commandLine);
+    /// False when there is no memory or no thread for a search (reported).
+    bool isReady() const { return player.isReady(); }
     /// Runs the commands of the input queue until "quit" or the end of input.
     void runCommandLoop();
-    /// Where the command loop takes its lines from.
-    InputQueue& inputQueue() { return *input; }
+    /// The loop has ended because the other side speaks UCI.
+    bool uciIsRequested() const { return uciRequested; }
     /// All commands. Include engine/command_table.h to read them.
     static std::span<const CommandEntry> commands();
 
@@ -94,6 +94,8 @@ class WBEngine final : public EngineInterface {
     bool cmdLevel(const Args& args);
     bool cmdSd(const Args& args);
     bool cmdTime(const Args& args);
+    bool cmdSt(const Args& args);
+    bool cmdMoveNow(const Args& args);
     bool cmdUndo(const Args& args);
     bool cmdRemove(const Args& args);
     bool cmdAnalyze(const Args& args);
@@ -133,6 +135,8 @@ class WBEngine final : public EngineInterface {
     bool analyzeMode = false;       // the engine searches every position and plays nothing
     bool autoPlay = false;          // the engine plays both sides
     bool quitRequested = false;
+    bool isFirstLine = true;  // no line has come
+    bool uciRequested = false;
     std::atomic<bool> moveMade{false};  // by the latest search; one that made none wakes nobody
 
     WinBoardReporter reporter;

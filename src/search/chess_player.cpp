@@ -90,6 +90,7 @@ void ChessPlayer::rebuildPool() {
                                warmer.completion(),
                                tablebases,
                                timeControl,
+                               limits,
                                *this,
                                reporter};
     threadPool.clear();
@@ -170,6 +171,12 @@ void ChessPlayer::stopSearch() {
         thread->requestStop(true);
     }
     waitUntilIdle();
+}
+
+void ChessPlayer::finishSearch() {
+    for (const auto& thread : threadPool) {
+        thread->requestStop(false);
+    }
 }
 
 void ChessPlayer::discardResult() {

@@ -1,11 +1,11 @@
 // tests/engine/configuration_test.cpp - the configuration file and the command line.
-#include "engine/configuration.h"
+#include "shell/configuration.h"
 
 #include <gtest/gtest.h>
 
-#include "engine/command_line.h"
-#include "engine/settings.h"
 #include "engine/winboard_reporter.h"
+#include "shell/command_line.h"
+#include "shell/settings.h"
 
 namespace vatro {
 namespace {

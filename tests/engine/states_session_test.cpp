@@ -48,6 +48,7 @@ const std::map<std::string_view, const char*> arguments = {
     {"usermove", "a2a3"},
     {"level", "40 0:10 0"},
     {"sd", "2"},
+    {"st", "1"},
     {"time", "1000"},
     {"cores", "2"},
     {"egtpath", "gaviota ."},

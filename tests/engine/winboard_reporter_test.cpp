@@ -31,7 +31,8 @@ TEST_F(WinBoardReports, AThinkingLineHasDepthScoreTimeNodesAndMoves) {
     longer.setTo(e2e4, line);
     const TranspositionTable table;
     EXPECT_EQ(lineOf(&WinBoardReporter::reportThinking,
-                     ThinkingReport{12, -31990, 345, 5'000'000'000, 0, longer, table}),
+                     ThinkingReport{
+                         {12, -31990, Bound::Exact, 1, longer}, 30, 345, 5'000'000'000, 0, table}),
               "12 -31990 345 5000000000 e2e4 a7a8q\n");
 }
 

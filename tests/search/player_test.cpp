@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include "bench/fixed_search.h"
+#include "search/fixed_search.h"
 #include "board/legality.h"
 #include "search/chess_player.h"
 

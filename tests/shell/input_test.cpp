@@ -1,11 +1,11 @@
-// tests/engine/input_test.cpp - lines on their way from the reading thread to the loop.
+// tests/shell/input_test.cpp - lines on their way from the reading thread to the loop.
 #include <thread>
 #include <unistd.h>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "engine/input_reader.h"
+#include "shell/input_reader.h"
 
 namespace vatro {
 namespace {
@@ -23,12 +23,15 @@ std::vector<std::string> drain(InputQueue& queue) {
 }
 
 TEST(LineSplitter, CutsLinesWhereverBlocksEnd) {
-    const std::string stream =
-        "one\n\ntwo words\r\n" + std::string(1023, 'a') + "\n" + std::string(1024, 'b') + "\nlast";
-    const std::vector<std::string> expected = {
-        "one", "", "two words\r", std::string(1023, 'a'), "long: " + std::string(1023, 'b'),
-        "last"};
-    for (const std::size_t blockSize : {1UL, 2UL, 7UL, 1023UL, 1024UL, 5000UL}) {
+    const std::string stream = "one\n\ntwo words\r\n" + std::string(InputLine::MaxLength, 'a') +
+                               "\n" + std::string(InputLine::MaxLength + 1, 'b') + "\nlast";
+    const std::vector<std::string> expected = {"one",
+                                               "",
+                                               "two words\r",
+                                               std::string(InputLine::MaxLength, 'a'),
+                                               "long: " + std::string(InputLine::MaxLength, 'b'),
+                                               "last"};
+    for (const std::size_t blockSize : {1UL, 2UL, 7UL, 16384UL, 16385UL, 50000UL}) {
         InputQueue queue;
         LineSplitter splitter(queue);
         for (std::size_t at = 0; at < stream.size(); at += blockSize) {

@@ -1,4 +1,4 @@
-// engine/configuration.h - the configuration file.
+// shell/configuration.h - the configuration file.
 #pragma once
 
 #include <cstdio>
@@ -6,6 +6,8 @@
 #include "search/chess_player.h"
 
 namespace vatro {
+
+inline constexpr char ConfigurationFile[] = "vatro.ini";  // in the working directory
 
 /// Applies the "name = value" lines of the file to the player's settings, before its first
 /// preparation. Ignores unknown names and lines without "="; warns about values out of range and

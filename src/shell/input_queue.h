@@ -1,4 +1,4 @@
-// engine/input_queue.h - lines that have been read and wait for the command loop.
+// shell/input_queue.h - lines that have been read and wait for the command loop.
 //
 // The reading thread fills the queue, the loop empties it. The search wakes the loop through it.
 // The reading thread may outlive the loop, so both share the queue's ownership.
@@ -15,7 +15,7 @@ namespace vatro {
 
 /// A line without its line feed. Only the beginning of a line that is too long is kept.
 struct InputLine {
-    static constexpr std::size_t MaxLength = 1023;  // bytes; a 1024-byte buffer less its zero
+    static constexpr std::size_t MaxLength = 16384;  // bytes; a game of 1023 moves takes a third
 
     std::string text;
     bool tooLong = false;

@@ -1,5 +1,5 @@
-// engine/input_queue.cpp - handing lines from the reading thread to the command loop.
-#include "engine/input_queue.h"
+// shell/input_queue.cpp - handing lines from the reading thread to the command loop.
+#include "shell/input_queue.h"
 
 #include <utility>
 

@@ -1,8 +1,8 @@
-// engine/configuration.cpp - reading the configuration file.
+// shell/configuration.cpp - reading the configuration file.
 //
 // A line longer than the buffer is read as several lines, so that no file needs more memory than
 // the buffer, whatever it holds.
-#include "engine/configuration.h"
+#include "shell/configuration.h"
 
 #include <filesystem>
 #include <string>
@@ -12,7 +12,7 @@
 #include "base/console.h"
 #include "base/regular_file.h"
 #include "base/text.h"
-#include "engine/settings.h"
+#include "shell/settings.h"
 
 namespace vatro {
 namespace {
