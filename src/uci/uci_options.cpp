@@ -18,7 +18,7 @@ std::string spin(int value, int min, int max) {
            std::to_string(max);
 }
 
-std::string check(bool value) { return std::string("check default ") + (value ? "true" : "false"); }
+std::string check(bool value) { return value ? "check default true" : "check default false"; }
 
 std::string textField(const std::string& value) {
     return "string default " + (value.empty() ? "<empty>" : value);

@@ -52,5 +52,30 @@ TEST(Clock, ToldDuringASearchMayShortenIt) {
     session.allAnswersTo("");
 }
 
+TEST(Clock, SecondsForAMoveHoldUntilALevel) {
+    Session session;
+    session.send("st 1\nlevel 40 5 0\nst 1\ntime 30000\ngo");
+    EXPECT_EQ(session.nextLine("# set maxTime"), "# set maxTime = 100");
+    EXPECT_EQ(session.nextLine("# clock holds"), "# clock holds 100: corrected maxTime = 97");
+    EXPECT_NE(session.nextMove(), "");
+    session.send("level 40 5 0\nusermove a7a6");
+    EXPECT_EQ(session.nextLine("# set maxTime").substr(0, 18), "# set maxTime = 67");
+    session.send("force");
+    session.allAnswersTo("");
+}
+
+TEST(Clock, AQuestionMarkEndsASearchWithItsMove) {
+    Session session;
+    session.send("level 1 60 0\ngo");
+    session.nextLine("4 ");
+    session.send("?");
+    EXPECT_NE(session.nextMove(), "");
+    session.send("?\nforce\nanalyze");  // nothing to end, and no move to play
+    session.nextLine("4 ");
+    for (const std::string& line : session.answersTo("?")) {
+        EXPECT_FALSE(line.starts_with("move ")) << line;
+    }
+}
+
 }  // namespace
 }  // namespace vatro::test

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "board/game.h"
+#include "search/principal_variation.h"
 #include "search/transposition_table.h"
 #include "uci/go_command.h"
 
