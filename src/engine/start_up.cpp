@@ -3,8 +3,13 @@
 // The start must be quick: an interface waits only seconds for the answer to "protover".
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <system_error>
 
 #include "base/console.h"
+#include "base/program_folder.h"
 #include "base/version.h"
 #include "engine/command_line.h"
 #include "engine/configuration.h"
@@ -26,6 +31,21 @@ void seedRandomGenerator() {
         static_cast<std::uint64_t>(std::chrono::duration_cast<milliseconds>(sinceEpoch).count());
     constexpr std::uint64_t MillisecondsPerDay = 86'400'000;
     std::srand(static_cast<std::uint32_t>((total % MillisecondsPerDay) * (total / 1000)));
+}
+
+/// The book that was installed with the program; empty when the build has none.
+std::string installedBook() {
+    constexpr std::string_view FromProgram = VATRO_INSTALLED_BOOK;  // relative to its folder
+    const std::filesystem::path folder = programFolder();
+    if (FromProgram.empty() || folder.empty()) return {};
+    return (folder / FromProgram).lexically_normal().string();
+}
+
+/// A book in the working directory comes before the installed one.
+void chooseBook(PolyglotBook& book) {
+    std::error_code ignored;
+    if (std::filesystem::exists(PolyglotBook::DefaultPath, ignored)) return;
+    if (const std::string path = installedBook(); !path.empty()) book.setPath(path);
 }
 
 void printBanner() {
@@ -62,6 +82,7 @@ int WBEngine::run(const Args& commandLine) {
 
 void WBEngine::startUp(const Args& commandLine) {
     seedRandomGenerator();
+    chooseBook(player.book);
     readConfiguration("vatro.ini", player);
     printBanner();
     applyCommandLine(commandLine, player);
