@@ -28,6 +28,9 @@ install_missing
 SOURCE_DATE_EPOCH=$(git -c safe.directory="$PWD" log -1 --format=%ct)
 export SOURCE_DATE_EPOCH
 
+# Without symbols, some of which name the folder; they would also count for the build's number.
+linking="-fuse-ld=lld -s -Wl,-z,relro,-z,now"
+
 # build PROCESSOR [CMAKE-ARGUMENT...]
 build() {
     local processor=$1
@@ -35,7 +38,7 @@ build() {
     cmake -G Ninja -S . -B "$folder/$processor" -DCMAKE_BUILD_TYPE=Release \
         -DCMAKE_INSTALL_PREFIX=/usr -DVATRO_ARCH="$processor" \
         -DVATRO_INSTALL=ON -DVATRO_LAUNCHER=ON \
-        -DCMAKE_EXE_LINKER_FLAGS="-fuse-ld=lld -Wl,-z,relro,-z,now" "$@"
+        -DCMAKE_EXE_LINKER_FLAGS="$linking" "$@"
     cmake --build "$folder/$processor"
 }
 
