@@ -79,6 +79,9 @@ window() {
     xdotool search --onlyvisible --name "$1" | tail -n 1
 }
 
+# click X Y: on the screen.
+click() { xdotool mousemove "$1" "$2" sleep 0.2 click 1; }
+
 # picture NAME: of the whole screen.
 picture() { import -window root "$pictures/$1.png"; }
 
