@@ -16,10 +16,10 @@ sleep 1
 click 436 283  # its start button
 wait_for 30 grep -Eq '^ *12 .* [a-h][1-8][a-h][1-8]' "$work/said"
 # A move on the board: Scid sends the new position.
+lines=$(wc -l < "$work/said")
 click 223 376
 click 223 286
 wait_for 10 grep -q '/4P3/' "$work/heard"
-lines=$(wc -l < "$work/said")
 said_more() { tail -n +"$lines" "$work/said" | grep -Eq '^ *12 .* [a-h][1-8][a-h][1-8]'; }
 wait_for 30 said_more
 picture scid-analysis

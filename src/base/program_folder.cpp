@@ -9,6 +9,8 @@
 #include <windows.h>
 #elif defined(__APPLE__)
 #include <mach-o/dyld.h>
+#elif defined(__linux__)
+#include <sys/auxv.h>
 #endif
 
 namespace vatro {
@@ -35,8 +37,18 @@ std::filesystem::path programFile() {
 #else
 
 std::filesystem::path programFile() {
-    std::error_code ignored;
-    return std::filesystem::read_symlink("/proc/self/exe", ignored);
+    std::error_code error;
+    std::filesystem::path file = std::filesystem::read_symlink("/proc/self/exe", error);
+#ifdef __linux__
+    // In a bare root folder there may be no /proc; the kernel also tells what it was asked to
+    // start.
+    if (error) {
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): the interface of getauxval
+        const auto* const name = reinterpret_cast<const char*>(getauxval(AT_EXECFN));
+        if (name) file = std::filesystem::canonical(name, error);
+    }
+#endif
+    return file;
 }
 
 #endif

@@ -1,8 +1,9 @@
 // launcher/main.cpp - starts the program that was compiled for this machine's processor.
 //
-// A package holds each program twice: for every x86-64 processor and for those with the instructions
-// of x86-64-v2, which all have since about 2009. The slow one alone would cost a seventh of the speed.
-// Neither has the instructions that pack bits: some processors that offer them are slow at them.
+// A package holds each program twice: for every x86-64 processor and for those with the
+// instructions of x86-64-v2, which all have since about 2009. The slow one alone would cost a
+// seventh of the speed. Neither has the instructions that pack bits: some processors that offer
+// them are slow at them.
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
