@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
-#include <string_view>
 #include <system_error>
 
 #include "base/console.h"
@@ -35,10 +34,10 @@ void seedRandomGenerator() {
 
 /// The book that was installed with the program; empty when the build has none.
 std::string installedBook() {
-    constexpr std::string_view FromProgram = VATRO_INSTALLED_BOOK;  // relative to its folder
+    const std::filesystem::path fromProgram(VATRO_INSTALLED_BOOK);  // relative to its folder
     const std::filesystem::path folder = programFolder();
-    if (FromProgram.empty() || folder.empty()) return {};
-    return (folder / FromProgram).lexically_normal().string();
+    if (fromProgram.empty() || folder.empty()) return {};
+    return (folder / fromProgram).lexically_normal().string();
 }
 
 /// A book in the working directory comes before the installed one.
