@@ -12,7 +12,10 @@
 #include <string>
 
 #ifdef _WIN32
+#include <windows.h>
+// After windows.h, which it needs.
 #include <process.h>
+#include <shellapi.h>
 #else
 #include <unistd.h>
 #endif
@@ -29,12 +32,20 @@ bool hasVersion2() {
 }
 
 /// Becomes the program for a processor; returns only when that fails.
-void start(const std::filesystem::path& folder, const char* processor, char* const argv[]) {
+void start(const std::filesystem::path& folder,
+           const char* processor,
+           [[maybe_unused]] char* const argv[]) {
     std::string name = std::string(VATRO_PROGRAM_NAME) + '-' + processor;
 #ifdef _WIN32
-    // There is no exec: this process waits for the program and passes on how it ended.
+    // There is no exec: this process waits for the program and passes on how it ended. The
+    // arguments are put together with blanks, so the first must have none.
     name += ".exe";
-    const auto result = _wspawnv(_P_WAIT, (folder / name).c_str(), __wargv);
+    int count = 0;
+    wchar_t** const arguments = CommandLineToArgvW(GetCommandLineW(), &count);
+    wchar_t program[] = L"vatro";
+    if (!arguments) return;
+    arguments[0] = program;
+    const auto result = _wspawnv(_P_WAIT, (folder / name).c_str(), arguments);
     if (result != -1) std::exit(static_cast<int>(result));
 #else
     execv((folder / name).c_str(), argv);
