@@ -70,7 +70,7 @@ def await_client():
     # Its own move may end the game, which it says before it answers the ping.
     tell("force", "usermove " + move, f"ping {answers}")
     await_answer(f"pong {answers}")
-    time.sleep(1)  # for the client to show the move
+    time.sleep(3)  # for the client to show the move
 
 
 tell("xboard", "protover 2", "nobook", "sd 1", "force")
