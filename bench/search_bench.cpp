@@ -4,7 +4,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "bench/fixed_search.h"
+#include "search/fixed_search.h"
 
 namespace vatro {
 namespace {

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "bench/fixed_search.h"
+#include "search/fixed_search.h"
 
 int main(int argc, char** argv) {
     const int depth = argc > 1 ? std::atoi(argv[1]) : 9;

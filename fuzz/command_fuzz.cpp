@@ -9,22 +9,21 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <iterator>
+#include <memory>
 #include <random>
 #include <span>
 #include <string>
 #include <string_view>
 #include <thread>
-#include <unistd.h>
 #include <vector>
 
 #include "base/text.h"
-#include "engine/input_reader.h"
-#include "engine/settings.h"
 #include "engine/wb_engine.h"
+#include "fuzz/working_directory.h"
+#include "shell/input_reader.h"
+#include "shell/settings.h"
 
 using namespace vatro;
 
@@ -34,8 +33,6 @@ namespace {
 
 using Random = std::minstd_rand;
 using Words = std::vector<std::string>;
-
-namespace fs = std::filesystem;
 
 constexpr std::size_t MostLines = 40;  // of a run
 
@@ -159,27 +156,6 @@ Words splitLines(const std::uint8_t* data, std::size_t size) {
 
 // --- Running ---
 
-/// Where a run reads its configuration and writes its files. The fuzzer's own are elsewhere.
-class WorkingDirectory {
-  public:
-    WorkingDirectory()
-        : path(fs::temp_directory_path() / ("vatro_command_fuzz_" + std::to_string(::getpid()))),
-          before(fs::current_path()) {
-        fs::create_directory(path);
-        std::ofstream(path / "vatro.ini") << "ttHashSizeMB=1\npawnHashSizeMB=1\n";
-    }
-    ~WorkingDirectory() {
-        std::error_code ignored;
-        fs::remove_all(path, ignored);
-    }
-    void enter() const { fs::current_path(path); }
-    void leave() const { fs::current_path(before); }
-
-  private:
-    const fs::path path;
-    const fs::path before;
-};
-
 void sendLines(InputQueue& queue, const Words& lines) {
     LineSplitter splitter(queue);
     splitter.feed("level 0 0:01 0\nsd 2\n");
@@ -241,14 +217,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Words lines = splitLines(data, size);
     if (lines.size() > MostLines) lines.resize(MostLines);
-    static const WorkingDirectory directory;
+    static const WorkingDirectory directory("command");
     directory.enter();
     {
-        WBEngine engine;
+        const auto input = std::make_shared<InputQueue>();
+        WBEngine engine(input);
         engine.startUp({});
-        std::thread interface(sendLines, std::ref(engine.inputQueue()), std::cref(lines));
+        std::thread interface(sendLines, std::ref(*input), std::cref(lines));
         engine.runCommandLoop();
-        engine.inputQueue().abandon();
+        input->abandon();
         interface.join();
     }
     directory.leave();

@@ -5,8 +5,8 @@
 #include <cstdlib>
 
 #include "base/text.h"
-#include "engine/configuration.h"
-#include "engine/settings.h"
+#include "shell/configuration.h"
+#include "shell/settings.h"
 
 using namespace vatro;
 

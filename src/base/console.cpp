@@ -1,13 +1,24 @@
-// base/console.cpp - writing to standard output, formatting text for it.
+// base/console.cpp - writing to standard output.
 #include "base/console.h"
 
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+
+#ifdef _WIN32
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
 
 namespace vatro {
 
 void setUpConsole() { std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ); }
+
+#ifdef _WIN32
+bool inputIsTerminal() { return ::_isatty(::_fileno(stdin)) != 0; }
+#else
+bool inputIsTerminal() { return ::isatty(STDIN_FILENO) != 0; }
+#endif
 
 void write(std::string_view text) {
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) std::_Exit(EXIT_FAILURE);
@@ -21,19 +32,6 @@ void say(std::string_view text) {
 void endWithoutMemory() {
     say("# ERROR: out of memory\n");
     std::_Exit(EXIT_FAILURE);
-}
-
-std::string formatted(const char* format, ...) {
-    std::va_list arguments;
-    va_start(arguments, format);
-    std::va_list again;
-    va_copy(again, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, arguments);
-    va_end(arguments);
-    std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
-    std::vsnprintf(text.data(), text.size() + 1, format, again);
-    va_end(again);
-    return text;
 }
 
 }  // namespace vatro

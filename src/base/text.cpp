@@ -1,8 +1,10 @@
-// base/text.cpp - splitting and joining, trimming, reading numbers.
+// base/text.cpp - splitting and joining, trimming, reading numbers, formatting.
 #include "base/text.h"
 
 #include <algorithm>
+#include <cstdarg>
 #include <cstdint>
+#include <cstdio>
 #include <limits>
 
 namespace vatro {
@@ -11,10 +13,10 @@ namespace {
 bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-void dropTrailingBlanks(std::string_view& text) {
-    while (text.ends_with(' ')) {
-        text.remove_suffix(1);
-    }
+/// The text without any of `characters` at its ends.
+std::string_view trim(std::string_view text, std::string_view characters) {
+    text.remove_prefix(std::min(text.find_first_not_of(characters), text.size()));
+    return text.substr(0, text.find_last_not_of(characters) + 1);
 }
 
 }  // namespace
@@ -58,13 +60,23 @@ std::string_view trimLine(std::string_view line) {
     line = line.substr(0, line.find('\0'));
     if (line.ends_with('\n')) line.remove_suffix(1);
     if (line.ends_with('\r')) line.remove_suffix(1);
-    dropTrailingBlanks(line);
-    return line;
+    return line.substr(0, line.find_last_not_of(' ') + 1);
 }
 
-std::string_view trimBlanks(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-    dropTrailingBlanks(text);
+std::string_view trimBlanks(std::string_view text) { return trim(text, " "); }
+
+std::string_view trimBlanksAndTabs(std::string_view text) { return trim(text, " \t"); }
+
+std::string formatted(const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    va_end(arguments);
+    std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+    std::vsnprintf(text.data(), text.size() + 1, format, again);
+    va_end(again);
     return text;
 }
 

@@ -1,4 +1,4 @@
-// base/text.h - cutting input text into lines, words and numbers.
+// base/text.h - cutting input text into lines, words and numbers; formatting output text.
 #pragma once
 
 #include <string>
@@ -24,5 +24,15 @@ std::string_view trimLine(std::string_view line);
 
 /// The text without leading and trailing blanks. A blank is the space character alone.
 std::string_view trimBlanks(std::string_view text);
+
+/// The same for spaces and tabs.
+std::string_view trimBlanksAndTabs(std::string_view text);
+
+/// The text that printf would print.
+#if defined(__GNUC__)
+[[gnu::format(printf, 1, 2)]]
+#endif
+std::string
+formatted(const char* format, ...);
 
 }  // namespace vatro

@@ -2,6 +2,7 @@
 #include "board/move_generation.h"
 
 #include <algorithm>
+#include <string>
 
 #include "board/move_generator.h"
 
@@ -103,6 +104,19 @@ void generateLegalMoves(const Board_0x88& board, const PinInfo& info, MoveList& 
 
 void generateLegalMoves(const Board_0x88& board, MoveList& list) {
     generateLegalMoves(board, computePins(board), list);
+}
+
+Move findLegalMove(const Board_0x88& board, std::string_view text) {
+    std::string lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(), [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    });
+    MoveList list;
+    generateLegalMoves(board, list);
+    const auto* const found =
+        std::find_if(list.begin(), list.end(),
+                     [&lower](const ScoredMove& entry) { return moveToText(entry.move) == lower; });
+    return found == list.end() ? NoMove : found->move;
 }
 
 unsigned countLegalMoves(const Board_0x88& board) {

@@ -4,6 +4,8 @@
 // pieces in the order of the piece list, then castling.
 #pragma once
 
+#include <string_view>
+
 #include "board/attacks.h"
 #include "board/board.h"
 
@@ -13,6 +15,9 @@ namespace vatro {
 void generateLegalMoves(const Board_0x88& board, const PinInfo& info, MoveList& list);
 /// The same; finds pins and checkers itself.
 void generateLegalMoves(const Board_0x88& board, MoveList& list);
+/// The legal move with this text, e2e4 or e7e8q in letters of either case; NoMove when there is
+/// none.
+Move findLegalMove(const Board_0x88& board, std::string_view text);
 /// How many moves generateLegalMoves would list.
 unsigned countLegalMoves(const Board_0x88& board);
 

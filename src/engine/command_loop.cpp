@@ -3,10 +3,12 @@
 // After every line, and in auto play after every move, the loop checks whether the game has ended
 // and whether it is the engine's turn.
 #include <algorithm>
+#include <utility>
 
 #include "base/console.h"
 #include "base/text.h"
 #include "engine/command_table.h"
+#include "engine/help.h"
 #include "engine/unlocked.h"
 
 namespace vatro {
@@ -34,9 +36,9 @@ bool hasFormOfMove(std::string_view word) {
 }  // namespace
 
 void WBEngine::runCommandLoop() {
-    bool promptDue = true;  // a wake-up between two lines shows no second prompt
+    bool promptDue = true;  // one for each line
     while (!quitRequested) {
-        if (promptDue) showPrompt();
+        if (promptDue) promptDue = !showPrompt();
         InputLine line;
         switch (input->next(line)) {
             case InputQueue::Event::Line:
@@ -45,7 +47,6 @@ void WBEngine::runCommandLoop() {
                 break;
             case InputQueue::Event::Woken:
                 continueAutoPlay();
-                promptDue = false;
                 break;
             case InputQueue::Event::End:
                 handleEndOfInput();
@@ -54,17 +55,24 @@ void WBEngine::runCommandLoop() {
     }
 }
 
-void WBEngine::showPrompt() {
+bool WBEngine::showPrompt() {
     const std::lock_guard held(gameLock);
     if (boardChanged) printBoard();
+    if (helpsUser() && player.isSearching()) return false;
     if (!xboardMode) say("# Your move: ");
+    return true;
 }
 
 void WBEngine::handleLine(const InputLine& line) {
+    constexpr std::size_t MaxLength = 1023;  // bytes of a command
     constexpr std::size_t ShownLength = 60;  // characters of a line that is too long
     const std::lock_guard held(gameLock);
     const std::string text(trimLine(line.text));
-    if (line.tooLong) {
+    if (std::exchange(isFirstLine, false) && text == "uci") {
+        uciRequested = quitRequested = true;
+        return;
+    }
+    if (line.text.size() > MaxLength) {
         say("Error (line too long): " + text.substr(0, ShownLength) + "...\n");
     } else if (!text.empty()) {
         runCommand(text);
@@ -95,7 +103,10 @@ void WBEngine::runCommand(const std::string& line) {
         entry = findCommand("usermove");
         args = {line};
     }
-    if (!entry) return;  // ignored: interfaces send commands that we do not know
+    if (!entry) {  // interfaces send commands that we do not know
+        if (helpsUser()) say(line == "help" ? helpText() : unknownWordText(line.substr(0, blank)));
+        return;
+    }
     if (checkAndRun(*entry, args, line)) return;
     say("# command \"" + line + "\" returned an error code \n");
 }

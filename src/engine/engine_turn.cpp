@@ -3,6 +3,7 @@
 
 #include "base/console.h"
 #include "board/move_generation.h"
+#include "engine/help.h"
 #include "engine/wb_engine.h"
 
 namespace vatro {
@@ -58,6 +59,7 @@ void WBEngine::checkForResult() {
         if (result == GameResult::Open) return;
         gameOver = true;
         say(resultLine(result));
+        if (helpsUser()) say(endOfGameText);
     }
     endGame();
 }
@@ -80,7 +82,7 @@ void WBEngine::printBoard() {
 
 void WBEngine::makeEngineMove(Move move) {
     const std::lock_guard held(gameMutex);
-    if (player.resultIsDiscarded()) return;
+    if (!timeControl.timed || player.resultIsDiscarded()) return;  // analysis plays nothing
     // The other side may answer, and set our clock, as soon as it has seen the move.
     timeControl.stop();
     const std::string text = moveToText(move);
@@ -89,8 +91,9 @@ void WBEngine::makeEngineMove(Move move) {
     report += "# making engine move: " + text + '\n';
     append(move);
     report += "move " + text + '\n';
-    if (player.ponderMove && isLegalIn(player.game.board, player.ponderMove)) {
-        report += "# ponder move: " + moveToText(player.ponderMove) + '\n';
+    const Move reply = player.result.reply;
+    if (reply && isLegalIn(player.game.board, reply)) {
+        report += "# ponder move: " + moveToText(reply) + '\n';
     }
     say(report);
     printBoard();

@@ -1,8 +1,8 @@
 // engine/features.cpp - "protover": the features and options that the engine announces.
 #include "base/console.h"
 #include "base/version.h"
-#include "engine/settings.h"
 #include "engine/wb_engine.h"
+#include "shell/settings.h"
 
 namespace vatro {
 namespace {

@@ -2,8 +2,6 @@
 //
 // They only set `engineColour` and the modes: the loop starts the engine's turn after the command
 // when the side to move is `engineColour`.
-#include <algorithm>
-
 #include "base/console.h"
 #include "base/text.h"
 #include "board/move_generation.h"
@@ -11,19 +9,6 @@
 
 namespace vatro {
 namespace {
-
-/// The legal move with this text, in letters of either case; NoMove when there is none.
-Move findLegalMove(const Board_0x88& board, std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
-    MoveList list;
-    generateLegalMoves(board, list);
-    const auto* const found =
-        std::find_if(list.begin(), list.end(),
-                     [&text](const ScoredMove& entry) { return moveToText(entry.move) == text; });
-    return found == list.end() ? NoMove : found->move;
-}
 
 constexpr char gameIsOverError[] = "Error (cannot make a move at end of game)\n";
 

@@ -3,9 +3,9 @@
 
 #include "base/console.h"
 #include "base/text.h"
-#include "engine/settings.h"
 #include "engine/unlocked.h"
 #include "engine/wb_engine.h"
+#include "shell/settings.h"
 
 namespace vatro {
 namespace {
@@ -64,6 +64,9 @@ bool WBEngine::cmdEgtPath(const Args& args) {
     say("# initializing TB: type=" + type + " path=" + path + '\n');
     const Unlocked free(gameLock);  // as in cmdOption
     player.initTablebases(path);
+    if (const std::size_t found = player.tablebases.tableCount()) {
+        say("# tablebases found: " + std::to_string(found) + '\n');
+    }
     return true;
 }
 

@@ -1,6 +1,9 @@
 // engine/time_commands.cpp - commands that limit the search.
 //
 // The time control's arithmetic is unsigned and wraps, as in search/time_control.cpp.
+#include <algorithm>
+#include <cstdint>
+
 #include "base/text.h"
 #include "engine/wb_engine.h"
 
@@ -23,7 +26,23 @@ bool WBEngine::cmdLevel(const Args& args) {
     timeControl.movesPerSession = readUnsigned(args[0]);
     timeControl.baseTime = (minutes * 60 + seconds) * 100;
     timeControl.increment = readUnsigned(args[2]) * 100;
+    timeControl.timePerMove = 0;
     timeControl.forgetTimeLeft();
+    return true;
+}
+
+/// "st SECONDS": the time for each move, until "level" or "new".
+bool WBEngine::cmdSt(const Args& args) {
+    constexpr int Most = INT32_MAX / 100;
+    const int seconds = readNumber(args[0]);
+    if (seconds < 1) return false;
+    timeControl.timePerMove = static_cast<std::uint32_t>(std::min(seconds, Most)) * 100;
+    return true;
+}
+
+/// "?": a search against the clock plays its best move at once.
+bool WBEngine::cmdMoveNow(const Args& /*args*/) {
+    if (timeControl.timed) player.finishSearch();
     return true;
 }
 

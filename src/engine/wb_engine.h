@@ -13,11 +13,12 @@
 #include <string>
 #include <vector>
 
-#include "engine/input_queue.h"
 #include "engine/winboard_reporter.h"
 #include "search/chess_player.h"
 #include "search/time_control.h"
+#include "shell/input_queue.h"
 #include "tools/perft_hash.h"
+#include "tools/stop_check.h"
 
 namespace vatro {
 
@@ -28,18 +29,18 @@ class WBEngine final : public EngineInterface {
     using Args = std::vector<std::string>;
     using Handler = bool (WBEngine::*)(const Args&);
 
-    WBEngine();
+    /// The command loop takes its lines from `lines`.
+    explicit WBEngine(std::shared_ptr<InputQueue> lines);
     ~WBEngine() override;
-
-    /// Runs the program on standard input and output and returns its exit status.
-    int run(const Args& commandLine);
 
     /// Reads `vatro.ini` and the command line and sets up the first game.
     void startUp(const Args& commandLine);
+    /// False when there is no memory or no thread for a search (reported).
+    bool isReady() const { return player.isReady(); }
     /// Runs the commands of the input queue until "quit" or the end of input.
     void runCommandLoop();
-    /// Where the command loop takes its lines from.
-    InputQueue& inputQueue() { return *input; }
+    /// The loop has ended because the other side speaks UCI.
+    bool uciIsRequested() const { return uciRequested; }
     /// All commands. Include engine/command_table.h to read them.
     static std::span<const CommandEntry> commands();
 
@@ -50,7 +51,8 @@ class WBEngine final : public EngineInterface {
 
   private:
     // --- The loop's steps. Each takes `gameMutex` itself if it needs it. ---
-    void showPrompt();
+    /// False when the prompt has to wait for the end of a search.
+    bool showPrompt();
     void handleLine(const InputLine& line);
     void continueAutoPlay();
     void handleEndOfInput();
@@ -73,6 +75,11 @@ class WBEngine final : public EngineInterface {
     /// Plays a legal move in the game.
     void append(Move move);
     void finishTakingBack();
+    /// Somebody types the commands and reads the answers. Scripts and interfaces use a pipe.
+    bool helpsUser() const { return atTerminal && !xboardMode; }
+    /// For a run that begins now: "quit" or the end of input stops it, unless it came with the
+    /// command. A script that sends all its lines at once gets whole answers.
+    StopCheck stopCheck() const;
 
     bool cmdQuit(const Args& args);
     bool cmdXboard(const Args& args);
@@ -87,6 +94,8 @@ class WBEngine final : public EngineInterface {
     bool cmdLevel(const Args& args);
     bool cmdSd(const Args& args);
     bool cmdTime(const Args& args);
+    bool cmdSt(const Args& args);
+    bool cmdMoveNow(const Args& args);
     bool cmdUndo(const Args& args);
     bool cmdRemove(const Args& args);
     bool cmdAnalyze(const Args& args);
@@ -121,10 +130,13 @@ class WBEngine final : public EngineInterface {
     bool forceMode = false;         // the engine only records moves
     bool boardChanged = true;       // since it was last printed
     bool xboardMode = false;        // an interface is connected: no prompts
+    bool atTerminal = false;        // standard input is one
     bool positionAnalysed = false;  // by a search without limits, which runs or has ended by itself
     bool analyzeMode = false;       // the engine searches every position and plays nothing
     bool autoPlay = false;          // the engine plays both sides
     bool quitRequested = false;
+    bool isFirstLine = true;  // no line has come
+    bool uciRequested = false;
     std::atomic<bool> moveMade{false};  // by the latest search; one that made none wakes nobody
 
     WinBoardReporter reporter;

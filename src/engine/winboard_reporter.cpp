@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/console.h"
+#include "base/text.h"
 #include "search/principal_variation.h"
 #include "search/time_control.h"
 
@@ -74,11 +75,13 @@ void WinBoardReporter::reportClockLimit(const ClockLimit& limit) {
 }
 
 void WinBoardReporter::reportThinking(const ThinkingReport& report) {
-    std::string output = formatted("%u %d %u %llu", report.depth, report.score,
+    if (report.root.bound != Bound::Exact) return;
+    std::string output = formatted("%u %d %u %llu", report.root.depth, report.root.score,
                                    static_cast<std::uint32_t>(report.elapsedCs),
                                    static_cast<unsigned long long>(report.nodes));
-    for (unsigned i = 0; i < report.line.length; ++i) {
-        output += ' ' + moveToText(report.line.moves[i]);
+    const PrincipalVariation& line = report.root.line;
+    for (unsigned i = 0; i < line.length; ++i) {
+        output += ' ' + moveToText(line.moves[i]);
     }
     write(output + '\n');
 }

@@ -85,8 +85,14 @@ void ChessPlayer::recreate(Table& table,
 }
 
 void ChessPlayer::rebuildPool() {
-    const SearchContext shared{transpositionTable, pawnHashTable, tablebases,
-                               timeControl,        *this,         reporter};
+    const SearchContext shared{transpositionTable,
+                               pawnHashTable,
+                               warmer.completion(),
+                               tablebases,
+                               timeControl,
+                               limits,
+                               *this,
+                               reporter};
     threadPool.clear();
     for (unsigned i = 0; i < requestedCores; ++i) {
         auto thread = std::make_unique<SearchThread>(i, &think, this, shared, engine);
@@ -151,6 +157,8 @@ void ChessPlayer::reportTablebaseFaults() {
 
 void ChessPlayer::startSearch() {
     tablesUsed = true;
+    // The clock runs already while the threads wake, which takes a while on a busy machine.
+    timeControl.startSearch();
     if (threadCount() >= maxCores) warmer.pause();
     // Thread 0 comes last: it may end at once, and stops only helpers that have started.
     for (std::size_t i = threadPool.size(); i-- > 0;) {
@@ -163,6 +171,12 @@ void ChessPlayer::stopSearch() {
         thread->requestStop(true);
     }
     waitUntilIdle();
+}
+
+void ChessPlayer::finishSearch() {
+    for (const auto& thread : threadPool) {
+        thread->requestStop(false);
+    }
 }
 
 void ChessPlayer::discardResult() {

@@ -62,6 +62,10 @@ class ChessPlayer final : public SearchInterface {
 
     /// Starts the search of the game's position on all threads and returns.
     void startSearch();
+    /// Makes a running search end with the best move that it has found.
+    void finishSearch();
+    /// Puts a running search without limits against the clock, which starts to run.
+    void startClock();
     /// Ends a running search, whose result is discarded. The caller holds no lock that
     /// EngineInterface::makeEngineMove takes.
     void stopSearch();
@@ -81,13 +85,13 @@ class ChessPlayer final : public SearchInterface {
     // --- Search thread 0 (SearchInterface) ---
 
     bool timeout() override;
-    void printThinking(unsigned depth, int score, const PrincipalVariation& line) override;
+    void printThinking(const RootLine& line) override;
     void printStatistics() override;
 
     TimeControl& timeControl;
     Game game;
 
-    // Ranges and names of the settings: engine/settings.cpp.
+    // Ranges and names of the settings: shell/settings.cpp.
     static constexpr unsigned DefaultTTHashSizeMB = 256;
     static constexpr unsigned DefaultPawnHashSizeMB = 32;
     static constexpr unsigned DefaultTablebaseCacheMB = 16;
@@ -103,8 +107,9 @@ class ChessPlayer final : public SearchInterface {
     std::atomic<bool> useBook{true};
     std::atomic<bool> randomMoves{false};  // play random moves instead of searching
     std::atomic<bool> post{true};          // whether thinking lines and statistics are reported
-    bool outOfBook = false;    // the game has left the book; search thread 0's in a search
-    Move ponderMove = NoMove;  // expected reply to the last move; the same
+    bool outOfBook = false;  // the game has left the book; search thread 0's in a search
+    SearchResult result;     // of the latest search; the same
+    SearchLimits limits;     // of the next search; not to be changed during one
 
     unsigned maxCores;  // hardware threads, at least 1
     unsigned requestedCores = DefaultCores;
@@ -126,12 +131,11 @@ class ChessPlayer final : public SearchInterface {
 
     static void think(unsigned threadIndex, void* player);
     void thinkAndMove();
-    Move chooseMove();
+    SearchResult chooseMove();
     void giveTimeOutOfBook();
     void keepWithinClock();
     void stopHelpers();
-    template <typename Counter>
-    std::uint64_t sumOverThreads(Counter counter) const;
+    std::uint64_t sumOverThreads(std::atomic<std::uint64_t> Searcher::*counter) const;
 
     SearchReporter& reporter;
     EngineInterface* engine;

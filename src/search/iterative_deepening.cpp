@@ -13,10 +13,12 @@ namespace {
 constexpr int AspirationWindow = 30;  // centipawns on either side; tuned
 constexpr int EasyMoveShare = 8;      // an easy move is played after 1/8 of the time; tuned
 
-// Nodes between two looks at the clock, powers of two. On a busy machine the larger interval takes
-// up to 20 ms (measured), as long as a short clock holds.
+// Nodes between two looks at the clock, powers of two. On a busy machine the largest interval takes
+// up to 20 ms (measured), as long as a short clock holds. While the tables' memory is not there, a
+// node may wait for the system to find and zero a page.
 constexpr std::uint64_t TimeCheckInterval = 4096;
 constexpr std::uint64_t ShortTimeInterval = 256;
+constexpr std::uint64_t ColdTablesInterval = 16;
 constexpr std::int32_t ShortTime = 10;  // centiseconds for the move
 
 /// The largest odd number of plies within `depth` or just above, and the same for even ones.
@@ -36,6 +38,29 @@ void Searcher::prepare(const Board_0x88& gameBoard) {
     easyIterations = 0;
     firstMovesTime = 0;
     iterationDepth = 0;
+    linesFound = 0;
+    rankedLines.assign(context.limits.lines, {});
+    // A key shows later that the search has been there.
+    for (unsigned ply = board.ply + 1; ply < PlyRecordCount; ++ply) {
+        board.plyRecords[ply].key = 0;
+    }
+}
+
+unsigned Searcher::selectiveDepth() const {
+    unsigned ply = board.ply + 1;
+    while (ply < PlyRecordCount && board.plyRecords[ply].key != 0)
+        ++ply;
+    return ply - 1 - board.ply;
+}
+
+std::uint64_t Searcher::timeCheckInterval() const {
+    const TimeControl& control = context.timeControl;
+    const SearchLimits& limits = context.limits;
+    if (limits.nodes > 0) return 1;
+    if (!control.timed && limits.timeCs == 0) return TimeCheckInterval;
+    if (!context.tablesAreWarm) return ColdTablesInterval;
+    const std::int32_t time = control.timed ? control.timeForMove.load() : limits.timeCs;
+    return time < ShortTime ? ShortTimeInterval : TimeCheckInterval;
 }
 
 SearchResult Searcher::iterativeDeepening() {
@@ -45,9 +70,7 @@ SearchResult Searcher::iterativeDeepening() {
 template <Colour Us>
 SearchResult Searcher::iterate() {
     const bool isMain = threadIndex == 0;
-    const bool timed = context.timeControl.timed;
-    const bool isShort = timed && context.timeControl.timeForMove < ShortTime;
-    timeCheckMask = (isShort ? ShortTimeInterval : TimeCheckInterval) - 1;
+    timeCheckMask = timeCheckInterval() - 1;
     RootScan root = scanRoot<Us>();
     PrincipalVariation& best = root.best;
     int previous = root.score;
@@ -55,9 +78,9 @@ SearchResult Searcher::iterate() {
     // 1. Nothing to search where the tablebases know every move.
     if (root.isResolved()) {
         if (!isMain) return {};
-        context.player.printThinking(0, previous, best);
+        context.player.printThinking({0, previous, Bound::Exact, 1, best});
         context.player.printStatistics();
-        return timed && !discardFlag ? SearchResult{best.first(), NoMove} : SearchResult{};
+        return discardFlag ? SearchResult{} : SearchResult{best.first(), NoMove};
     }
 
     // 2. The iterations. Helpers leave out every other depth until a mate is seen.
@@ -77,6 +100,8 @@ SearchResult Searcher::iterate() {
         }
         if (!isMain || stopped()) continue;
         easyIterations = bestStandsOut ? easyIterations + 1 : 0;
+        searchOtherLines<Us>(depth, {best, previous}, root.legalMoves);
+        if (stopped()) continue;
         if (const auto stop = reasonToStop(depth, root.legalMoves, previous, best.first())) {
             context.reporter.reportStop(*stop);
             stopFlag = true;
@@ -86,8 +111,24 @@ SearchResult Searcher::iterate() {
     // 3. Thread 0 has the result.
     if (!isMain) return {};
     context.player.printStatistics();
-    if (!timed || discardFlag) return {};
+    if (discardFlag) return {};
     return {best.first(), best.second()};
+}
+
+/// The next best lines, each without the first moves of those before it.
+template <Colour Us>
+void Searcher::searchOtherLines(int depth, const RankedLine& best, unsigned legalMoves) {
+    const unsigned wanted = std::min(context.limits.lines, legalMoves);
+    if (wanted <= 1) return;
+    rankedLines[0] = best;
+    for (linesFound = 1; linesFound < wanted && !stopped(); ++linesFound) {
+        RankedLine& other = rankedLines[linesFound];
+        if (other.line.empty()) other.score = rankedLines[linesFound - 1].score;
+        PrincipalVariation line = other.line;
+        const int score = searchIteration<Us>(other.score, depth, line);
+        if (!line.empty()) other = {line, score};
+    }
+    linesFound = 0;
 }
 
 /// Searches the root with a narrow window around the previous score, and with wider ones until the
@@ -100,6 +141,11 @@ int Searcher::searchIteration(int previous, int depth, PrincipalVariation& line)
     for (;;) {
         const int score = searchRoot<Us>({low, high, 0, depth}, line);
         if (stopped() || (score > low && score < high)) return score;
+        if (threadIndex == 0) {
+            const Bound bound = score >= high ? Bound::LowerBound : Bound::UpperBound;
+            context.player.printThinking(
+                {static_cast<unsigned>(depth), score, bound, linesFound + 1, line});
+        }
         if (score >= high) {
             high = std::max(bestPossible, score) + 1;
         } else {

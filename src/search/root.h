@@ -13,8 +13,8 @@ constexpr int EarlyStopDepth = 6;
 struct Searcher::RootScan {
     PrincipalVariation best;  // one move, none when there is no legal one
     int score = -MateScore;
-    unsigned legalMoves = 0;
-    unsigned resolved = 0;  // those of them whose score the tablebases know
+    unsigned legalMoves = 0;  // those that the limits allow
+    unsigned resolved = 0;    // those of them whose score the tablebases know
 
     bool isResolved() const { return resolved == legalMoves; }
 };

@@ -76,8 +76,8 @@ inline bool isReducible(const Board_0x88& board, Move move) {
 
 /// The move loop of every node but those of the quiescence search. Calls `afterMove` with the score
 /// of each move that did not cut off.
-template <Colour Us, typename AfterMove>
-inline int Searcher::searchMoves(MovePicker& picker,
+template <Colour Us, typename Picker, typename AfterMove>
+inline int Searcher::searchMoves(Picker& picker,
                                  const Node& node,
                                  PrincipalVariation& line,
                                  AfterMove afterMove) {
@@ -85,7 +85,7 @@ inline int Searcher::searchMoves(MovePicker& picker,
     BestMove best(node, -MateScore, line);
     PrincipalVariation childLine;
     bool isFirst = true;
-    while (const Move move = picker.next<Us>()) {
+    while (const Move move = picker.template next<Us>()) {
         // The table is not asked beyond the horizon, except in check.
         if (node.depth > 1) context.transpositionTable.prefetch(likelyKeyAfter(board, move));
         handDown(line, move, childLine);

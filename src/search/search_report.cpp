@@ -3,8 +3,7 @@
 
 namespace vatro {
 
-template <typename Counter>
-std::uint64_t ChessPlayer::sumOverThreads(Counter counter) const {
+std::uint64_t ChessPlayer::sumOverThreads(std::atomic<std::uint64_t> Searcher::*counter) const {
     std::uint64_t sum = 0;
     for (const auto& thread : threadPool) {
         sum += (thread->searcher.*counter).load(std::memory_order_relaxed);
@@ -12,11 +11,11 @@ std::uint64_t ChessPlayer::sumOverThreads(Counter counter) const {
     return sum;
 }
 
-void ChessPlayer::printThinking(unsigned depth, int score, const PrincipalVariation& line) {
+void ChessPlayer::printThinking(const RootLine& line) {
     if (!post) return;
-    reporter.reportThinking({depth, score, timeControl.searchTime(),
-                             sumOverThreads(&Searcher::nodes), sumOverThreads(&Searcher::tbHits),
-                             line, transpositionTable});
+    reporter.reportThinking({line, threadPool[0]->searcher.selectiveDepth(),
+                             timeControl.searchTime(), sumOverThreads(&Searcher::nodes),
+                             sumOverThreads(&Searcher::tbHits), transpositionTable});
 }
 
 void ChessPlayer::printStatistics() {

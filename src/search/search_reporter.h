@@ -8,24 +8,31 @@
 #include <string_view>
 
 #include "board/move_picker.h"
+#include "search/interfaces.h"
 #include "search/search_statistics.h"
 
 namespace vatro {
 
 struct ClockLimit;
-struct PrincipalVariation;
 struct TimePlan;
 class TranspositionTable;
 
 /// A new best line. The counts are sums over all threads.
 struct ThinkingReport {
-    unsigned depth;  // of the iteration; 0 when the tablebases know the score of every root move
-    int score;       // for the side to move; a mate score counts plies, see eval/scores.h
-    std::int32_t elapsedCs;  // since the search began
+    RootLine root;
+    unsigned selectiveDepth;  // plies of the longest line that has been looked at
+    std::int32_t elapsedCs;   // since the search began
     std::uint64_t nodes;
     std::uint64_t tbHits;
-    const PrincipalVariation& line;
     const TranspositionTable& table;  // for its fill, which takes a sample: ask only to show it
+};
+
+/// A move of the root that is about to be searched.
+struct RootMoveReport {
+    unsigned depth;  // of the iteration
+    Move move;
+    unsigned number;         // 1: the first of this iteration
+    std::int32_t elapsedCs;  // since the search began
 };
 
 /// The work of a search that is about to end. The counts are sums over all threads.
@@ -78,6 +85,7 @@ class SearchReporter : public RefusedMoveListener {
     /// time during a search.
     virtual void reportClockLimit(const ClockLimit& /*limit*/) {}
     virtual void reportThinking(const ThinkingReport& /*report*/) {}
+    virtual void reportRootMove(const RootMoveReport& /*report*/) {}
     virtual void reportStop(const StopReport& /*report*/) {}
     virtual void reportStatistics(const StatisticsReport& /*report*/) {}
     /// The book could not be read; the system's text.

@@ -1,9 +1,46 @@
 // search/search_root.cpp - the root: its moves before the first iteration and in each one.
+#include <algorithm>
+
 #include "board/move_generation.h"
 #include "search/root.h"
 #include "search/search_moves.h"
 
 namespace vatro {
+
+bool Searcher::isAllowedAtRoot(Move move) const {
+    const std::vector<Move>& allowed = context.limits.rootMoves;
+    if (!allowed.empty() && std::find(allowed.begin(), allowed.end(), move) == allowed.end()) {
+        return false;
+    }
+    const auto found = rankedLines.begin();
+    return std::none_of(found, found + linesFound,
+                        [move](const RankedLine& other) { return other.line.first() == move; });
+}
+
+/// The moves of a picker that are allowed at the root. Thread 0 reports each.
+class Searcher::RootPicker {
+  public:
+    RootPicker(MovePicker& movePicker, const Searcher& root, int iterationDepth)
+        : picker(movePicker), searcher(root), depth(iterationDepth) {}
+
+    template <Colour Us>
+    Move next() {
+        Move move = picker.next<Us>();
+        while (move && !searcher.isAllowedAtRoot(move))
+            move = picker.next<Us>();
+        if (move && searcher.threadIndex == 0) {
+            searcher.context.reporter.reportRootMove({static_cast<unsigned>(depth), move, ++count,
+                                                      searcher.context.timeControl.searchTime()});
+        }
+        return move;
+    }
+
+  private:
+    MovePicker& picker;
+    const Searcher& searcher;
+    const int depth;
+    unsigned count = 0;
+};
 
 /// Every legal move gets the score of the position after it; the first best one becomes the line.
 template <Colour Us>
@@ -12,8 +49,9 @@ Searcher::RootScan Searcher::scanRoot() {
     RootScan scan;
     MoveList list;
     generateLegalMoves<Us>(board, computePins<Us>(board, findCheckers<Us>(board)), list);
-    scan.legalMoves = list.count;
     for (const ScoredMove& entry : list) {
+        if (!isAllowedAtRoot(entry.move)) continue;
+        ++scan.legalMoves;
         const int score = scoreAfter<Us>(entry.move, [&] {
             if (board.totalCount() <= MaxTablebasePieces) {
                 if (const std::optional<int> theirs = probeTablebases<Them>(true)) {
@@ -60,7 +98,8 @@ int Searcher::searchRoot(const NodeWindow& window, PrincipalVariation& line) {
         } else {
             best = score;
             if (isMain && score > node.alpha) {
-                context.player.printThinking(static_cast<unsigned>(node.depth), score, line);
+                context.player.printThinking(
+                    {static_cast<unsigned>(node.depth), score, Bound::Exact, linesFound + 1, line});
             }
         }
         if (measures && moves == 2) {
@@ -71,7 +110,8 @@ int Searcher::searchRoot(const NodeWindow& window, PrincipalVariation& line) {
     // 3. The moves. A stopped search keeps the best of those it has finished.
     MovePicker picker(board, computePins<Us>(board, checkers), MovePicker::Phase::AllMoves);
     picker.prefer(line.first());
-    const int score = searchMoves<Us>(picker, node, line, afterMove);
+    RootPicker allowed(picker, *this, node.depth);
+    const int score = searchMoves<Us>(allowed, node, line, afterMove);
     if (score == AbortScore) return best;
     bestStandsOut = score < node.beta && moves > 1 && best > secondBest + EasyMargin;
     return score;

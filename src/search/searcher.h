@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "board/board.h"
 #include "egtb/tablebases.h"
@@ -14,6 +15,7 @@
 #include "search/interfaces.h"
 #include "search/node_window.h"
 #include "search/principal_variation.h"
+#include "search/search_limits.h"
 #include "search/search_reporter.h"
 #include "search/search_statistics.h"
 #include "search/time_control.h"
@@ -33,8 +35,10 @@ struct SearchResult {
 struct SearchContext {
     TranspositionTable& transpositionTable;
     PawnHashTable& pawnHash;
+    const std::atomic<bool>& tablesAreWarm;  // the system has handed out all their memory
     const TablebaseState& tablebases;
     const TimeControl& timeControl;
+    const SearchLimits& limits;
     SearchInterface& player;
     SearchReporter& reporter;
 };
@@ -51,9 +55,11 @@ class alignas(64) Searcher {
     /// late, when the game has gone on. By whoever starts it.
     void prepare(const Board_0x88& gameBoard);
     /// Searches the position that was prepared, deeper and deeper, until a stop rule or `stopFlag`
-    /// ends it. Returns no move in a search without time limit and in one whose result is
-    /// discarded.
+    /// ends it. Returns no move when the result is discarded.
     SearchResult iterativeDeepening();
+    /// Plies from the root to the end of the longest line that this search has looked at. Its own
+    /// thread only.
+    unsigned selectiveDepth() const;
 
     std::atomic<std::uint64_t> nodes{0};   // one writer: relaxed load and store
     std::atomic<std::uint64_t> tbHits{0};  // the same
@@ -65,6 +71,12 @@ class alignas(64) Searcher {
   private:
     struct Node;
     struct RootScan;
+    class RootPicker;
+    /// One of several best lines.
+    struct RankedLine {
+        PrincipalVariation line;
+        int score = 0;
+    };
 
     // Scores are from the view of `Us`, the side to move; AbortScore once the search is stopped.
 
@@ -97,8 +109,8 @@ class alignas(64) Searcher {
     template <Colour Us>
     std::optional<int> probeTablebases(bool mayReadDisk);
 
-    template <Colour Us, typename AfterMove>
-    int searchMoves(MovePicker& picker,
+    template <Colour Us, typename Picker, typename AfterMove>
+    int searchMoves(Picker& picker,
                     const Node& node,
                     PrincipalVariation& line,
                     AfterMove afterMove);
@@ -109,10 +121,14 @@ class alignas(64) Searcher {
 
     template <Colour Us>
     RootScan scanRoot();
+    std::uint64_t timeCheckInterval() const;
     template <Colour Us>
     SearchResult iterate();
     template <Colour Us>
     int searchIteration(int previous, int depth, PrincipalVariation& line);
+    template <Colour Us>
+    void searchOtherLines(int depth, const RankedLine& best, unsigned legalMoves);
+    bool isAllowedAtRoot(Move move) const;
     /// The root, with a window's height of 0. `line` holds the moves to try first and receives the
     /// best line. The best score so far when the search is stopped.
     template <Colour Us>
@@ -127,10 +143,12 @@ class alignas(64) Searcher {
     EvalMemory evalMemory{context.pawnHash, statistics.pawnHashHits};
     std::uint64_t timeCheckMask = 0;  // nodes between two looks at the clock, less one
     int iterationDepth = 0;
-    std::int32_t firstMovesTime = 0;  // centiseconds used by the first two root moves
-    bool bestStandsOut = false;       // in the latest search of the root
-    int easyIterations = 0;           // the latest ones in which the best move stood out
-    int bestPossible = 0;             // scores at the end of this iteration
+    std::vector<RankedLine> rankedLines;  // where the limits want more than one
+    unsigned linesFound = 0;              // in this iteration, while another is searched for
+    std::int32_t firstMovesTime = 0;      // centiseconds used by the first two root moves
+    bool bestStandsOut = false;           // in the latest search of the root
+    int easyIterations = 0;               // the latest ones in which the best move stood out
+    int bestPossible = 0;                 // scores at the end of this iteration
     int worstPossible = 0;
 };
 

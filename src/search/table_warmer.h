@@ -32,6 +32,8 @@ class TableWarmer {
     void cancel();
     /// True when all pages are there. Any thread.
     bool isComplete() const { return complete; }
+    /// The same for those who keep looking.
+    const std::atomic<bool>& completion() const { return complete; }
 
     /// Leaves the processor to a search, from the next page on; or goes on. Any thread.
     void pause() { setPaused(true); }

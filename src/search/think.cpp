@@ -27,18 +27,17 @@ void ChessPlayer::think(unsigned threadIndex, void* player) {
 }
 
 void ChessPlayer::thinkAndMove() {
-    timeControl.startSearch();
     if (timeControl.timed) {
         const TimePlan plan = planTime(timeControl, game.plyCount);
         reporter.reportTimePlan(plan);
         timeControl.timeForMove = plan.max;
         keepWithinClock();
     }
-    ponderMove = NoMove;
-    const Move move = chooseMove();
+    result = {};
+    result = chooseMove();
     stopHelpers();
     reportTablebaseFaults();  // of files that broke during the search
-    if (move && engine) engine->makeEngineMove(move);
+    if (result.best && engine) engine->makeEngineMove(result.best);
     timeControl.stop();
     for (std::size_t i = 1; i < threadPool.size(); ++i) {
         threadPool[i]->waitUntilIdle();
@@ -46,35 +45,31 @@ void ChessPlayer::thinkAndMove() {
     warmer.resume();
 }
 
-Move ChessPlayer::chooseMove() {
+SearchResult ChessPlayer::chooseMove() {
     // Analysis is for looking at a position; only play takes moves from elsewhere.
     if (timeControl.timed) {
         if (randomMoves) {
             MoveList list;
             generateLegalMoves(game.board, list);
-            if (const Move move = pickRandomMove(list)) return move;
+            if (const Move move = pickRandomMove(list)) return {move, NoMove};
         } else if (useBook) {
             Move move = NoMove;
             std::string error;
             const bool found = book.probe(game.board, move, error);
             if (!error.empty()) reporter.reportBookError(error);
-            if (found) return move;
+            if (found) return {move, NoMove};
         }
     }
     giveTimeOutOfBook();
-    const SearchResult result = threadPool[0]->searcher.iterativeDeepening();
-    ponderMove = result.reply;
-    return result.best;
+    return threadPool[0]->searcher.iterativeDeepening();
 }
 
 /// The first search of a game gets more time, unless the session is about to end.
 void ChessPlayer::giveTimeOutOfBook() {
     if (outOfBook) return;
     outOfBook = true;
-    if (timeControl.movesPerSession != 0 &&
-        planTime(timeControl, game.plyCount).remainingMoves <= FewMovesLeft) {
-        return;
-    }
+    const TimePlan plan = planTime(timeControl, game.plyCount);
+    if (plan.movesPerSession != 0 && plan.remainingMoves <= FewMovesLeft) return;
     const double more = timeControl.timeForMove * OutOfBookFactor;
     constexpr double Most = INT32_MAX;
     timeControl.timeForMove = static_cast<std::int32_t>(std::clamp(more, -Most, Most));
@@ -85,6 +80,14 @@ void ChessPlayer::giveTimeOutOfBook() {
 void ChessPlayer::keepWithinClock() {
     const auto limit = timeControl.limitTimeForMove(game.plyCount, threadCount() - 1);
     if (limit) reporter.reportClockLimit(*limit);
+}
+
+void ChessPlayer::startClock() {
+    const TimePlan plan = planTime(timeControl, game.plyCount);
+    reporter.reportTimePlan(plan);
+    timeControl.timeForMove = timeControl.searchTime() + plan.max;
+    timeControl.start();
+    keepWithinClock();
 }
 
 void ChessPlayer::setTimeLeft(std::int32_t left) {
@@ -99,7 +102,12 @@ void ChessPlayer::stopHelpers() {
 }
 
 bool ChessPlayer::timeout() {
-    if (!timeControl.timed || timeControl.searchTime() < timeControl.timeForMove) return false;
+    reportTablebaseFaults();
+    const bool isTooLate = timeControl.timed
+                               ? timeControl.searchTime() >= timeControl.timeForMove
+                               : limits.timeCs > 0 && timeControl.searchTime() >= limits.timeCs;
+    const bool isTooMuch = limits.nodes > 0 && sumOverThreads(&Searcher::nodes) >= limits.nodes;
+    if (!isTooLate && !isTooMuch) return false;
     reporter.reportStop({StopReason::Timeout});
     return true;
 }

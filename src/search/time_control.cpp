@@ -13,9 +13,8 @@ namespace {
 constexpr std::uint32_t MovesAssumed = 32;  // to the end of a game without sessions; tuned
 constexpr double ShareOfTime = 0.9;         // a tenth is kept back; tuned
 
-// Kept back of the clock for the way to the interface and for stopping the helpers; measured on two
-// busy cores (bench/short_clocks.py).
-constexpr std::int64_t Reserve = 3;
+// Kept back of the clock for stopping the helpers; measured on two busy cores
+// (bench/short_clocks.py).
 constexpr std::int64_t ReservePerHelper = 1;
 
 }  // namespace
@@ -38,11 +37,17 @@ std::uint32_t TimeControl::clockReading() const {
 void TimeControl::startSearch() {
     const std::lock_guard lock(mutex);
     const std::uint32_t now = clockNow();
-    searchStart = readingAt(now);
     searchStartedAt = now;
     if (!timed || clockRunning) return;
     clockStart = now;
     clockRunning = true;
+}
+
+void TimeControl::start() {
+    const std::lock_guard lock(mutex);
+    clockStart = clockNow();
+    clockRunning = true;
+    timed = true;
 }
 
 void TimeControl::stop() {
@@ -57,6 +62,7 @@ void TimeControl::reset() {
     clockStart = 0;
     timed = true;
     depthLimited = false;
+    timePerMove = 0;
     movesPerSession = 40;
     baseTime = 30000;
     increment = 0;
@@ -84,6 +90,8 @@ void TimeControl::forgetTimeLeft() {
 
 /// The increment of this move comes only after it, as do those of the moves that follow.
 std::int64_t TimeControl::timeLeft(std::uint32_t now, std::uint32_t plyCount) const {
+    if (timePerMove)
+        return std::int64_t{timePerMove} - static_cast<std::int32_t>(now - searchStartedAt);
     const std::uint32_t reading = readingAt(now);
     if (toldLeft) return std::int64_t{*toldLeft} - static_cast<std::int32_t>(reading - toldReading);
     return std::int64_t{planTime(*this, plyCount, reading).remaining} - increment;
@@ -93,9 +101,9 @@ std::optional<ClockLimit> TimeControl::limitTimeForMove(std::uint32_t plyCount, 
     const std::lock_guard lock(mutex);
     const std::uint32_t now = clockNow();
     const std::int64_t left = std::max<std::int64_t>(timeLeft(now, plyCount), 0);
-    const std::int64_t reserve = std::min(Reserve + ReservePerHelper * helpers, (left + 1) / 2);
+    const std::int64_t kept = std::min(reserve + ReservePerHelper * helpers, (left + 1) / 2);
     const std::int64_t searched = static_cast<std::int32_t>(now - searchStartedAt);
-    const std::int64_t most = std::min<std::int64_t>(searched + left - reserve, INT32_MAX);
+    const std::int64_t most = std::min<std::int64_t>(searched + left - kept, INT32_MAX);
     if (timeForMove <= most) return std::nullopt;
     timeForMove = static_cast<std::int32_t>(most);
     return ClockLimit{static_cast<std::int32_t>(left), timeForMove};
@@ -107,11 +115,17 @@ TimePlan planTime(const TimeControl& control, std::uint32_t plyCount) {
 
 TimePlan planTime(const TimeControl& control, std::uint32_t plyCount, std::uint32_t elapsed) {
     TimePlan plan{};
+    plan.plyCount = plyCount;
+    plan.fullMoveNumber = plyCount / 2 + 1;
+    if (const std::uint32_t time = control.timePerMove) {
+        plan.movesPerSession = plan.remainingMoves = plan.sessions = 1;
+        plan.baseTime = time;
+        plan.total = plan.remaining = plan.available = plan.max = static_cast<std::int32_t>(time);
+        return plan;
+    }
     plan.movesPerSession = control.movesPerSession;
     plan.baseTime = control.baseTime;
     plan.increment = control.increment;
-    plan.plyCount = plyCount;
-    plan.fullMoveNumber = plyCount / 2 + 1;
     if (plan.movesPerSession == 0) {
         plan.sessions = 1;
         plan.remainingMoves = MovesAssumed;

@@ -21,15 +21,19 @@ struct ClockLimit {
 };
 
 struct TimeControl {
+    /// Measured on two busy cores (bench/short_clocks.py).
+    static constexpr std::uint32_t DefaultReserve = 3;
+
     std::atomic<bool> clockRunning{false};
     std::atomic<std::uint32_t> timeUsed{0};         // by the engine in this game, clock stopped
     std::atomic<std::uint32_t> clockStart{0};       // clockNow() when the clock was started
-    std::atomic<std::uint32_t> searchStart{0};      // clock reading when the search began
-    std::atomic<std::uint32_t> searchStartedAt{0};  // clockNow() then
+    std::atomic<std::uint32_t> searchStartedAt{0};  // clockNow() when the search began
     std::atomic<std::int32_t> timeForMove{0};  // allotted to this move; negative when overdrawn
     std::atomic<std::uint32_t> movesPerSession{40};  // 0: one session is the whole game
     std::atomic<std::uint32_t> baseTime{30000};      // per session
     std::atomic<std::uint32_t> increment{0};         // per move
+    std::atomic<std::uint32_t> timePerMove{0};  // each move has this alone; 0: what is above holds
+    std::atomic<std::uint32_t> reserve{DefaultReserve};  // kept back for the way to the interface
     std::atomic<bool> timed{true};
     std::atomic<bool> depthLimited{false};
     std::atomic<std::uint32_t> maxDepth{0};
@@ -44,6 +48,8 @@ struct TimeControl {
 
     /// Marks the start of a search. One against the clock starts it, or lets it run on.
     void startSearch();
+    /// Puts a running search against the clock.
+    void start();
     /// Stops the clock if it runs.
     void stop();
     /// What a new game begins with: 40 moves in five minutes, nothing used, no depth limit.

@@ -1,11 +1,11 @@
 // tests/engine/configuration_test.cpp - the configuration file and the command line.
-#include "engine/configuration.h"
+#include "shell/configuration.h"
 
 #include <gtest/gtest.h>
 
-#include "engine/command_line.h"
-#include "engine/settings.h"
 #include "engine/winboard_reporter.h"
+#include "shell/command_line.h"
+#include "shell/settings.h"
 
 namespace vatro {
 namespace {
@@ -96,6 +96,25 @@ TEST_F(Settings, TakeALongLineInPieces) {
     text += "ttHashSizeMB=7\n";
     EXPECT_EQ("", read(text));
     EXPECT_EQ(7U, player.ttHashSizeMB);
+}
+
+TEST_F(Settings, MayFollowAByteOrderMarkAndStandBetweenTabs) {
+    EXPECT_EQ("", read("\xEF\xBB\xBFttHashSizeMB\t=7\n\t \tpawnHashSizeMB \t =\t5\n"
+                       "\xEF\xBB\xBFgtbCacheSizeMB=9\n"));
+    EXPECT_EQ(7U, player.ttHashSizeMB);
+    EXPECT_EQ(5U, player.pawnHashSizeMB);
+    EXPECT_EQ(16U, player.gtbCacheSizeMB) << "the mark stands only at the beginning";
+}
+
+TEST_F(Settings, EndAfterAThousandLines) {
+    std::string text;
+    for (int i = 0; i < 999; ++i) {
+        text += "#\n";
+    }
+    EXPECT_EQ("", read(text + "ttHashSizeMB=7\n"));
+    EXPECT_EQ("# WARNING: ini file has more than 1000 lines, rest ignored\n",
+              read(text + "ttHashSizeMB=8\nttHashSizeMB=9\n"));
+    EXPECT_EQ(8U, player.ttHashSizeMB);
 }
 
 TEST_F(Settings, CommandLineComplainsAboutWhatItDoesNotKnow) {

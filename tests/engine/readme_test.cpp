@@ -9,7 +9,7 @@
 
 #include "base/text.h"
 #include "engine/command_table.h"
-#include "engine/settings.h"
+#include "shell/settings.h"
 
 namespace vatro {
 namespace {

@@ -31,7 +31,8 @@ TEST_F(WinBoardReports, AThinkingLineHasDepthScoreTimeNodesAndMoves) {
     longer.setTo(e2e4, line);
     const TranspositionTable table;
     EXPECT_EQ(lineOf(&WinBoardReporter::reportThinking,
-                     ThinkingReport{12, -31990, 345, 5'000'000'000, 0, longer, table}),
+                     ThinkingReport{
+                         {12, -31990, Bound::Exact, 1, longer}, 30, 345, 5'000'000'000, 0, table}),
               "12 -31990 345 5000000000 e2e4 a7a8q\n");
 }
 
@@ -76,6 +77,10 @@ TEST_F(WinBoardReports, StopsNameTheirReason) {
     EXPECT_EQ(textOf({StopReason::ForcedMove, e2e4}), "# forced move: e2e4\n");
     EXPECT_EQ(textOf({StopReason::ForcedMate, a7a8q, 5}), "# forced mate in 5 plies: a7a8q\n");
     EXPECT_EQ(textOf({StopReason::GettingMated, e2e4, 4}), "# getting mated in 4 plies: e2e4\n");
+    EXPECT_EQ(textOf({StopReason::ForcedDraw, e2e4}), "# forced draw: e2e4\n");
+    EXPECT_EQ(textOf({StopReason::EasyMove, e2e4}), "# easy move: e2e4\n");
+    EXPECT_EQ(textOf({StopReason::NoTimeForMore, e2e4}),
+              "# probably not enough time left for another iteration\n");
     EXPECT_EQ(textOf({StopReason::Timeout}), "# timeout\n");
     EXPECT_EQ(textOf({StopReason::DepthLimit, e2e4}), "");
 }

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "bench/fixed_search.h"
+#include "search/fixed_search.h"
 #include "board/attacks.h"
 #include "board/legality.h"
 #include "board/make_move.h"

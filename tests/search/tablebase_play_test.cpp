@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "bench/fixed_search.h"
+#include "search/fixed_search.h"
 #include "board/attacks.h"
 #include "board/move_generation.h"
 #include "egtb/test_tables.h"

@@ -148,9 +148,16 @@ class Ending {
     template <Colour Us>
     void findPassingCandidates(std::uint64_t word, int plies);
     template <Colour Us>
-    SquareMask decideWins(std::uint64_t word, int plies);
+    void findAllPassingCandidates(const Workers& workers, int plies);
+    static SquareMask takeCandidates(SideToMove& side,
+                                     std::uint64_t word,
+                                     SquareMask capturing,
+                                     Value decisive);
     template <Colour Us>
-    SquareMask decideLosses(std::uint64_t word, int plies);
+    SquareMask lostAmong(std::uint64_t word, SquareMask candidates, int plies) const;
+    template <Colour Us>
+    SquareMask decide(std::uint64_t word, int plies);
+    bool decideAll(const Workers& workers, int plies);
     void findNextCapture(SideToMove& side, std::uint64_t word, int plies) const;
     void settleDraws(const Workers& workers);
 

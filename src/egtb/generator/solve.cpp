@@ -1,6 +1,6 @@
 // egtb/generator/solve.cpp - from the mates backward, ply by ply.
-#include <algorithm>
 #include <atomic>
+#include <utility>
 
 #include "egtb/generator/ending.h"
 #include "egtb/generator/parallel.h"
@@ -10,6 +10,16 @@ namespace {
 
 constexpr std::uint64_t WordsPerTask = 2048;
 constexpr int NoPly = 0;  // no capture decides a position at once
+
+template <typename Work>
+void forEachWord(const Workers& workers, const WordLayout& layout, const Work& work) {
+    parallelFor(workers, layout.wordCount(), WordsPerTask,
+                [&](std::uint64_t begin, std::uint64_t end) {
+                    for (std::uint64_t word = begin; word < end; ++word) {
+                        work(word);
+                    }
+                });
+}
 
 }  // namespace
 
@@ -72,127 +82,107 @@ void Ending::findPassingCandidates(std::uint64_t word, int plies) {
     addCandidates<Us>(word, losable ? open : doubleStepsToLost<Us>(word, open, plies - 1), losable);
 }
 
-template <Colour Us>
-SquareMask Ending::decideWins(std::uint64_t word, int plies) {
-    SideToMove& side = sides[Us];
-    SquareMask won = side.candidates[word];
-    side.candidates[word] = 0;
-    ValueLine& values = side.values[word];
-    const bool byCapture = side.capturePly[word] == plies;
-    if (byCapture) {
-        for (SquareMask rest = side.open[word] & ~won; rest; rest &= rest - 1) {
-            if (values[lowestSquare(rest)] == winIn(plies)) won |= rest & -rest;
-        }
+/// Takes the candidates of the word, and those of `capturing` whose capture has the value
+/// `decisive`.
+SquareMask Ending::takeCandidates(SideToMove& side,
+                                  std::uint64_t word,
+                                  SquareMask capturing,
+                                  Value decisive) {
+    SquareMask taken = std::exchange(side.candidates[word], 0);
+    const ValueLine& values = side.values[word];
+    for (SquareMask rest = capturing & ~taken; rest; rest &= rest - 1) {
+        if (values[lowestSquare(rest)] == decisive) taken |= rest & -rest;
     }
-    if (won) {
-        side.open[word] &= ~won;
-        side.notWon[word] &= ~won;
-        for (SquareMask rest = won; rest; rest &= rest - 1) {
-            values[lowestSquare(rest)] = winIn(plies);
-        }
-    }
-    if (byCapture) findNextCapture(side, word, plies);
-    return won;
+    return taken;
 }
 
+/// The candidates that lose: no quiet move escapes, and no capture delays the mate to its own ply.
 template <Colour Us>
-SquareMask Ending::decideLosses(std::uint64_t word, int plies) {
-    SideToMove& side = sides[Us];
-    SquareMask lost = side.candidates[word];
-    side.candidates[word] = 0;
-    ValueLine& values = side.values[word];
-    const bool byCapture = side.capturePly[word] == plies;
-    if (byCapture) {
-        const SquareMask losable = side.open[word] & side.losable[word] & ~lost;
-        for (SquareMask rest = losable; rest; rest &= rest - 1) {
-            if (values[lowestSquare(rest)] == lossIn(plies)) lost |= rest & -rest;
-        }
+SquareMask Ending::lostAmong(std::uint64_t word, SquareMask candidates, int plies) const {
+    SquareMask lost =
+        candidates & ~movesToNotWon<Us>(word, layout.pieces(word), candidates, plies - 1);
+    const ValueLine& values = sides[Us].values[word];
+    for (SquareMask rest = lost; rest; rest &= rest - 1) {
+        if (values[lowestSquare(rest)] > lossIn(plies)) lost &= ~(rest & -rest);
     }
-    if (lost) {
-        const WordPieces pieces = layout.pieces(word);
-        lost &= ~movesToNotWon<Us>(word, pieces, lost, plies - 1);
-        for (SquareMask rest = lost; rest; rest &= rest - 1) {
-            Value& value = values[lowestSquare(rest)];
-            if (value > lossIn(plies)) {
-                lost &= ~(rest & -rest);  // a capture delays the mate, to its own ply
-            } else {
-                value = lossIn(plies);
-            }
-        }
-        side.open[word] &= ~lost;
-    }
-    if (byCapture) findNextCapture(side, word, plies);
     return lost;
 }
 
+/// The positions of the word that are won (odd plies) or lost (even ones) at this ply. Their value
+/// is set, and they are open no more.
+template <Colour Us>
+SquareMask Ending::decide(std::uint64_t word, int plies) {
+    SideToMove& side = sides[Us];
+    const bool byCapture = side.capturePly[word] == plies;
+    if (side.candidates[word] == 0 && !byCapture) return 0;
+    const bool wins = plies % 2 != 0;
+    const Value value = wins ? winIn(plies) : lossIn(plies);
+    SquareMask capturing = byCapture ? side.open[word] : 0;
+    if (!wins) capturing &= side.losable[word];
+    SquareMask decided = takeCandidates(side, word, capturing, value);
+    if (decided && !wins) decided = lostAmong<Us>(word, decided, plies);
+    if (decided) {
+        side.open[word] &= ~decided;
+        if (wins) side.notWon[word] &= ~decided;
+        for (SquareMask rest = decided; rest; rest &= rest - 1) {
+            side.values[word][lowestSquare(rest)] = value;
+        }
+    }
+    if (byCapture) findNextCapture(side, word, plies);
+    return decided;
+}
+
 void Ending::settleDraws(const Workers& workers) {
-    const std::uint64_t words = layout.wordCount();
-    parallelFor(workers, words, WordsPerTask, [&](std::uint64_t begin, std::uint64_t end) {
-        for (std::uint64_t word = begin; word < end; ++word) {
-            const WordPieces pieces = layout.pieces(word);
-            for (const Colour us : {White, Black}) {
-                for (SquareMask rest = sides[us].open[word]; rest; rest &= rest - 1) {
-                    sides[us].values[word][lowestSquare(rest)] = DrawValue;
-                }
-                sides[us].open[word] = legalKings(layout.men(), pieces, us);
+    forEachWord(workers, layout, [&](std::uint64_t word) {
+        const WordPieces pieces = layout.pieces(word);
+        for (const Colour us : {White, Black}) {
+            for (SquareMask rest = sides[us].open[word]; rest; rest &= rest - 1) {
+                sides[us].values[word][lowestSquare(rest)] = DrawValue;
             }
+            sides[us].open[word] = legalKings(layout.men(), pieces, us);
         }
     });
 }
 
-Status Ending::solve(const Workers& workers, const PlyDone& plyDone) {
-    const std::uint64_t words = layout.wordCount();
-    // 1. A move is legal when it leads to a legal position; `prepare` has found all of these.
-    parallelFor(workers, words, WordsPerTask, [&](std::uint64_t begin, std::uint64_t end) {
-        for (std::uint64_t word = begin; word < end; ++word) {
-            findMatesAndStalemates<White>(word);
-            findMatesAndStalemates<Black>(word);
+template <Colour Us>
+void Ending::findAllPassingCandidates(const Workers& workers, int plies) {
+    const std::vector<std::uint32_t>& passing = sides[Us].passingWords;
+    parallelFor(workers, passing.size(), WordsPerTask, [&](std::uint64_t begin, std::uint64_t end) {
+        for (std::uint64_t i = begin; i < end; ++i) {
+            findPassingCandidates<Us>(passing[i], plies);
         }
+    });
+}
+
+/// True when a position was decided at this ply.
+bool Ending::decideAll(const Workers& workers, int plies) {
+    std::atomic<bool> found{false};
+    const auto note = [&found](SquareMask& last, SquareMask decided) {
+        if (last != decided) last = decided;  // most are 0 before and after
+        if (decided && !found.load(std::memory_order_relaxed)) found = true;
+    };
+    forEachWord(workers, layout, [&](std::uint64_t word) {
+        note(sides[White].decided[word], decide<White>(word, plies));
+        note(sides[Black].decided[word], decide<Black>(word, plies));
+    });
+    return found;
+}
+
+Status Ending::solve(const Workers& workers, const PlyDone& plyDone) {
+    // 1. A move is legal when it leads to a legal position; `prepare` has found all of these.
+    forEachWord(workers, layout, [&](std::uint64_t word) {
+        findMatesAndStalemates<White>(word);
+        findMatesAndStalemates<Black>(word);
     });
     // 2. Done after an odd and an even ply that found nothing, once every capture has had its ply.
     for (int plies = 1, idle = 0; idle < 2 || plies <= longestSubMate + 2; ++plies) {
-        parallelFor(workers, words, WordsPerTask, [&](std::uint64_t begin, std::uint64_t end) {
-            for (std::uint64_t word = begin; word < end; ++word) {
-                findCandidates<White>(word, plies);
-                findCandidates<Black>(word, plies);
-            }
+        forEachWord(workers, layout, [&](std::uint64_t word) {
+            findCandidates<White>(word, plies);
+            findCandidates<Black>(word, plies);
         });
-        const auto& passingWhite = sides[White].passingWords;
-        parallelFor(workers, passingWhite.size(), WordsPerTask,
-                    [&](std::uint64_t begin, std::uint64_t end) {
-                        for (std::uint64_t i = begin; i < end; ++i) {
-                            findPassingCandidates<White>(passingWhite[i], plies);
-                        }
-                    });
-        const auto& passingBlack = sides[Black].passingWords;
-        parallelFor(workers, passingBlack.size(), WordsPerTask,
-                    [&](std::uint64_t begin, std::uint64_t end) {
-                        for (std::uint64_t i = begin; i < end; ++i) {
-                            findPassingCandidates<Black>(passingBlack[i], plies);
-                        }
-                    });
-        std::atomic<bool> found{false};
-        parallelFor(workers, words, WordsPerTask, [&](std::uint64_t begin, std::uint64_t end) {
-            SquareMask any = 0;
-            for (std::uint64_t word = begin; word < end; ++word) {
-                for (const Colour us : {White, Black}) {
-                    SideToMove& side = sides[us];
-                    SquareMask decided = 0;
-                    if (side.candidates[word] || side.capturePly[word] == plies) {
-                        if (plies & 1) {
-                            decided = us == White ? decideWins<White>(word, plies)
-                                                  : decideWins<Black>(word, plies);
-                        } else {
-                            decided = us == White ? decideLosses<White>(word, plies)
-                                                  : decideLosses<Black>(word, plies);
-                        }
-                    }
-                    if (side.decided[word] != decided) side.decided[word] = decided;
-                    any |= decided;
-                }
-            }
-            if (any) found.store(true, std::memory_order_relaxed);
-        });
+        findAllPassingCandidates<White>(workers, plies);
+        findAllPassingCandidates<Black>(workers, plies);
+        const bool found = decideAll(workers, plies);
         if (found && plies > MaxPlies) {
             return Status::failure(material.name() + " has mates of more than " +
                                    std::to_string(MaxPlies) +

@@ -1,9 +1,10 @@
-// bench/fixed_search.h - a search that depends on nothing but its position and depth.
+// search/fixed_search.h - a search that depends on nothing but its position and depth.
 //
 // One thread, no clock, and what it reports is kept, not printed: tests hold it against expected
-// results and counts, benchmarks time it.
+// results and counts, `vatro bench` and the benchmarks time it.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -52,8 +53,10 @@ struct SearchRecord final : SearchInterface, SearchReporter {
     }
 
     bool timeout() override { return false; }
-    void printThinking(unsigned depth, int score, const PrincipalVariation& line) override {
-        lines.push_back({depth, score, {line.moves, line.moves + line.length}});
+    void printThinking(const RootLine& best) override {
+        if (best.bound != Bound::Exact) return;
+        const PrincipalVariation& line = best.line;
+        lines.push_back({best.depth, best.score, {line.moves, line.moves + line.length}});
     }
     void printStatistics() override {}
     void reportStop(const StopReport& report) override { stop = report; }
@@ -80,11 +83,14 @@ class FixedSearch {
     TimeControl control;
     TranspositionTable table;
     PawnHashTable pawnHash;
+    std::atomic<bool> tablesAreWarm{true};
+    SearchLimits limits;
     TablebaseState tablebases;
     SearchRecord record;
     const bool tablesReady;
     std::unique_ptr<Searcher> searcher = std::make_unique<Searcher>(
-        0, SearchContext{table, pawnHash, tablebases, control, record, record});
+        0,
+        SearchContext{table, pawnHash, tablesAreWarm, tablebases, control, limits, record, record});
 };
 
 /// Nodes of all fixed positions, each searched to `depth` with empty tables.

@@ -1,11 +1,11 @@
-// tests/engine/input_test.cpp - lines on their way from the reading thread to the loop.
+// tests/shell/input_test.cpp - lines on their way from the reading thread to the loop.
 #include <thread>
 #include <unistd.h>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "engine/input_reader.h"
+#include "shell/input_reader.h"
 
 namespace vatro {
 namespace {
@@ -23,12 +23,15 @@ std::vector<std::string> drain(InputQueue& queue) {
 }
 
 TEST(LineSplitter, CutsLinesWhereverBlocksEnd) {
-    const std::string stream =
-        "one\n\ntwo words\r\n" + std::string(1023, 'a') + "\n" + std::string(1024, 'b') + "\nlast";
-    const std::vector<std::string> expected = {
-        "one", "", "two words\r", std::string(1023, 'a'), "long: " + std::string(1023, 'b'),
-        "last"};
-    for (const std::size_t blockSize : {1UL, 2UL, 7UL, 1023UL, 1024UL, 5000UL}) {
+    const std::string stream = "one\n\ntwo words\r\n" + std::string(InputLine::MaxLength, 'a') +
+                               "\n" + std::string(InputLine::MaxLength + 1, 'b') + "\nlast";
+    const std::vector<std::string> expected = {"one",
+                                               "",
+                                               "two words\r",
+                                               std::string(InputLine::MaxLength, 'a'),
+                                               "long: " + std::string(InputLine::MaxLength, 'b'),
+                                               "last"};
+    for (const std::size_t blockSize : {1UL, 2UL, 7UL, 16384UL, 16385UL, 50000UL}) {
         InputQueue queue;
         LineSplitter splitter(queue);
         for (std::size_t at = 0; at < stream.size(); at += blockSize) {
@@ -57,6 +60,23 @@ TEST(InputQueue, ServesLinesThenTheEndThenWakeUps) {
     queue.wake();
     queue.close();
     EXPECT_EQ(Event::End, queue.next(line));
+}
+
+TEST(InputQueue, TellsWhenTheFirstEndCame) {
+    using Clock = InputQueue::Clock;
+    const auto start = Clock::now();
+    InputQueue queue;
+    for (const char* const line : {"perft 9", "quit now", "Quit", ""}) {
+        queue.push({line});
+    }
+    queue.push({"quit", true});  // the beginning of a longer line
+    EXPECT_FALSE(queue.endCameAfter(start - std::chrono::seconds(1)));
+    queue.push({"quit  \r"});
+    const auto afterQuit = Clock::now();
+    EXPECT_TRUE(queue.endCameAfter(start - std::chrono::seconds(1)));
+    queue.close();
+    queue.push({"quit"});
+    EXPECT_FALSE(queue.endCameAfter(afterQuit));
 }
 
 TEST(InputThreads, HoldBackAWriterThatIsTooFast) {

@@ -1,5 +1,5 @@
-// engine/command_line.cpp - the program's arguments.
-#include "engine/command_line.h"
+// shell/command_line.cpp - the program's arguments.
+#include "shell/command_line.h"
 
 #include "base/console.h"
 #include "base/text.h"

@@ -1,7 +1,9 @@
-// engine/input_queue.cpp - handing lines from the reading thread to the command loop.
-#include "engine/input_queue.h"
+// shell/input_queue.cpp - handing lines from the reading thread to the command loop.
+#include "shell/input_queue.h"
 
 #include <utility>
+
+#include "base/text.h"
 
 namespace vatro {
 
@@ -29,6 +31,7 @@ bool InputQueue::push(InputLine line) {
     std::unique_lock lock(mutex);
     changed.wait(lock, [this] { return lines.size() < Capacity || abandoned; });
     if (abandoned) return false;
+    if (!line.tooLong && trimLine(line.text) == "quit") noteEnd();
     lines.push_back(std::move(line));
     changed.notify_all();
     return true;
@@ -37,7 +40,12 @@ bool InputQueue::push(InputLine line) {
 void InputQueue::close() {
     const std::lock_guard lock(mutex);
     closed = true;
+    noteEnd();
     changed.notify_all();
+}
+
+void InputQueue::noteEnd() {
+    if (endCame.load() == Never) endCame = Clock::now();
 }
 
 void InputQueue::abandon() {

@@ -1,5 +1,5 @@
-// engine/input_reader.cpp - the reading thread.
-#include "engine/input_reader.h"
+// shell/input_reader.cpp - the reading thread.
+#include "shell/input_reader.h"
 
 #include <cerrno>
 #include <utility>

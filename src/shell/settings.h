@@ -1,4 +1,4 @@
-// engine/settings.h - the settings that a user can change, one row each.
+// shell/settings.h - the settings that a user can change, one row each.
 //
 // `vatro.ini`, the command "option", the feature lines and a test of the README read this table.
 #pragma once

@@ -1,10 +1,10 @@
-// engine/input_reader.h - reading lines in a separate thread.
+// shell/input_reader.h - reading lines in a separate thread.
 #pragma once
 
 #include <memory>
 #include <string_view>
 
-#include "engine/input_queue.h"
+#include "shell/input_queue.h"
 
 namespace vatro {
 

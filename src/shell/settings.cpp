@@ -1,7 +1,7 @@
-// engine/settings.cpp - the table of settings.
+// shell/settings.cpp - the table of settings.
 //
 // Adding a setting is a row here and one in the README.
-#include "engine/settings.h"
+#include "shell/settings.h"
 
 #include <algorithm>
 

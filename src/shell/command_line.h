@@ -1,4 +1,4 @@
-// engine/command_line.h - the program's arguments.
+// shell/command_line.h - the program's arguments.
 #pragma once
 
 #include <string>

@@ -1,0 +1,254 @@
+// tests/uci/uci_session_test.cpp - UCI conversations with the built program.
+#include <algorithm>
+#include <set>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include "engine/session.h"
+
+namespace vatro::test {
+namespace {
+
+/// A session in which "uci" has been said.
+struct Uci : testing::Test {
+    Uci() {
+        session.send("uci");
+        greeting = session.linesBefore("uciok");
+    }
+
+    /// What is said up to the answer to "isready".
+    Lines answersTo(const std::string& line) {
+        session.send(line + "\nisready");
+        return session.linesBefore("readyok");
+    }
+    /// The lines of a search and, last, its "bestmove".
+    Lines search(const std::string& line) {
+        session.send(line);
+        std::string best;
+        Lines lines = session.linesBefore("bestmove", &best);
+        lines.push_back(best);
+        return lines;
+    }
+    /// The move of "bestmove".
+    std::string bestMove(const std::string& line) {
+        return wordAfter(search(line).back(), "bestmove");
+    }
+
+    static std::string wordAfter(const std::string& line, const std::string& word) {
+        std::istringstream words(line);
+        std::string found;
+        while (words >> found) {
+            if (found == word) return words >> found ? found : "";
+        }
+        return "";
+    }
+
+    Session session{{}, smallTables, Session::Client::UserOnPipe};
+    Lines greeting;
+};
+
+TEST_F(Uci, IntroducesItselfAndItsOptions) {
+    const auto has = [this](std::string_view beginning) {
+        return std::any_of(greeting.begin(), greeting.end(),
+                           [&](const std::string& line) { return line.starts_with(beginning); });
+    };
+    for (const char* line :
+         {"id name Vatro", "id author ", "option name Hash type spin default 4 min 1 max 2048",
+          "option name PawnHash type spin default 1", "option name Threads type spin default 1",
+          "option name MultiPV type spin default 1", "option name Ponder type check",
+          "option name OwnBook type check default false", "option name BookFile type string",
+          "option name TablePath type string", "option name TableCache type spin default 16",
+          "option name Move Overhead type spin default 30", "option name Clear Hash type button",
+          "option name UCI_AnalyseMode type check", "option name UCI_EngineAbout type string"}) {
+        EXPECT_TRUE(has(line)) << line;
+    }
+}
+
+TEST_F(Uci, FixedDepthVisitsTheNodesOfTheOtherProtocol) {
+    const char* const fen = "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq - 0 1";
+    const Lines lines = search(std::string("position fen ") + fen + "\ngo depth 7");
+    Session other;
+    other.send(std::string("nobook\nlevel 1 60 0\nsd 7\nsetboard ") + fen + "\ngo");
+    const std::string statistics = other.nextLine("# total nodes");
+    EXPECT_EQ(wordAfter(lines[lines.size() - 2], "nodes") + ",", wordAfter(statistics, "="));
+    EXPECT_EQ(wordAfter(lines.back(), "bestmove"), other.nextMove());
+    EXPECT_FALSE(wordAfter(lines.back(), "ponder").empty());
+}
+
+TEST_F(Uci, InfoLinesTellWhatIsKnown) {
+    for (const std::string& line : search("position startpos moves e2e4\ngo depth 6")) {
+        if (!line.starts_with("info depth")) continue;
+        for (const char* word :
+             {"seldepth", "multipv", "score", "nodes", "tbhits", "time", "hashfull", "pv"}) {
+            EXPECT_FALSE(wordAfter(line, word).empty()) << word << ": " << line;
+        }
+        EXPECT_GE(std::stoi(wordAfter(line, "seldepth")), std::stoi(wordAfter(line, "depth")))
+            << line;
+    }
+}
+
+TEST_F(Uci, SeveralLinesBeginWithDifferentMoves) {
+    answersTo("setoption name multipv value 3");
+    std::set<std::string> firstMoves;
+    for (const std::string& line : search("position startpos\ngo depth 5")) {
+        if (line.starts_with("info depth 5") && line.find("bound") == std::string::npos) {
+            firstMoves.insert(wordAfter(line, "multipv") + ' ' + wordAfter(line, "pv"));
+        }
+    }
+    std::set<std::string> ranks;
+    std::set<std::string> moves;
+    for (const std::string& entry : firstMoves) {
+        ranks.insert(entry.substr(0, 1));
+    }
+    EXPECT_EQ(ranks, (std::set<std::string>{"1", "2", "3"}));
+    // With fewer moves than lines there are as many lines as moves.
+    for (const std::string& line :
+         search("position fen 7k/8/8/8/8/8/1q6/K7 w - - 0 1\ngo depth 3")) {
+        EXPECT_NE(wordAfter(line, "multipv"), "2") << line;
+    }
+}
+
+TEST_F(Uci, LimitsAreKept) {
+    EXPECT_EQ(bestMove("position startpos\ngo depth 4 searchmoves a2a3"), "a2a3");
+    EXPECT_EQ(
+        bestMove("position startpos\ngo searchmoves h2h4 a2a3 depth 1").find_first_not_of("ah234"),
+        std::string::npos);
+    const Lines nodes = search("position startpos\ngo nodes 5000");
+    EXPECT_EQ(wordAfter(nodes[nodes.size() - 2], "nodes"), "5000");
+    const Lines timed = search("position startpos\ngo movetime 100");
+    EXPECT_LT(std::stoi(wordAfter(timed[timed.size() - 2], "time")), 5000);
+    // A mate in two: the search ends with it, though no other limit is set.
+    const Lines mate = search("position fen 8/2kp1Ppr/3N4/K1p5/4B3/8/2q5/8 w - - 0 1\ngo mate 2");
+    EXPECT_EQ(wordAfter(mate.back(), "bestmove"), "d6b5");
+}
+
+TEST_F(Uci, AClockThatIsNearlyEmptyIsNotOverdrawn) {
+    const Lines lines =
+        search("position startpos\ngo wtime 200 btime 200 winc 0 binc 0 movestogo 1");
+    EXPECT_LT(std::stoi(wordAfter(lines[lines.size() - 2], "time")), 3000);
+    search("position startpos moves e2e4\ngo wtime 100 btime -20");
+}
+
+TEST_F(Uci, AnEndlessSearchAnswersOnlyToStop) {
+    // A mate ends the search by itself, but not the wait.
+    session.send("position fen 7k/8/6K1/8/8/8/8/R7 w - - 0 1\ngo infinite");
+    session.nextLine("info nodes");
+    EXPECT_TRUE(answersTo("").empty());
+    EXPECT_EQ(bestMove("stop"), "a1a8");
+    session.send("position startpos\ngo infinite");
+    session.nextLine("info depth 4");
+    for (const std::string& line : answersTo("")) {
+        EXPECT_FALSE(line.starts_with("bestmove"));
+    }
+    EXPECT_EQ(bestMove("stop").size(), 4U);
+}
+
+TEST_F(Uci, PonderingGoesOnWithTheTimeThatIsLeft) {
+    session.send("position startpos moves e2e4 e7e5\ngo ponder wtime 3000 btime 3000");
+    session.nextLine("info depth 4");
+    EXPECT_EQ(bestMove("ponderhit").size(), 4U);
+    session.send("position startpos moves e2e4 e7e5\ngo ponder wtime 300000 btime 300000");
+    session.nextLine("info depth 3");
+    EXPECT_EQ(bestMove("stop").size(), 4U);
+}
+
+TEST_F(Uci, PositionsWithoutMovesHaveNoBestMove) {
+    EXPECT_EQ(search("position fen 7k/6Q1/6K1/8/8/8/8/8 b - - 0 1\ngo depth 5"),
+              Lines({"info depth 0 score mate 0", "bestmove 0000"}));
+    EXPECT_EQ(search("position fen 7k/5Q2/6K1/8/8/8/8/8 b - - 0 1\ngo infinite"),
+              Lines({"info depth 0 score cp 0", "bestmove 0000"}));
+}
+
+TEST_F(Uci, ErrorsLeaveThePosition) {
+    answersTo("position fen 7k/8/6K1/8/8/8/8/R7 w - - 0 1");
+    for (const char* line :
+         {"position", "position fen", "position fen x", "position startpos moves e2e5",
+          "position somewhere", "setoption", "setoption name Nothing value 1",
+          "setoption name Hash value 0", "setoption name MultiPV value 1000", "something else"}) {
+        const Lines answers = answersTo(line);
+        ASSERT_EQ(answers.size(), 1U) << line;
+        EXPECT_TRUE(answers[0].starts_with("info string ")) << line;
+    }
+    EXPECT_EQ(bestMove("go depth 3"), "a1a8");
+    EXPECT_EQ(bestMove("nonsense before go depth 3"), "a1a8");
+}
+
+TEST_F(Uci, LongGamesAreTakenIn) {
+    std::string line = "position startpos moves";
+    for (int i = 0; i < 60; ++i) {
+        line += " g1f3 g8f6 f3g1 f6g8";
+    }
+    EXPECT_TRUE(answersTo(line).empty());
+    EXPECT_EQ(bestMove("go depth 2").size(), 4U);
+}
+
+TEST_F(Uci, EveryCommandInEveryStateIsFollowedByAMove) {
+    const char* const states[] = {"",
+                                  "go infinite",
+                                  "go ponder wtime 1000 btime 1000",
+                                  "go wtime 100000 btime 100000",
+                                  "go depth 1",
+                                  "go infinite\nstop",
+                                  "go ponder\nponderhit"};
+    const char* const commands[] = {"uci",
+                                    "debug on",
+                                    "isready",
+                                    "setoption name Hash value 2",
+                                    "setoption name Threads value 2",
+                                    "setoption name Clear Hash",
+                                    "register later",
+                                    "ucinewgame",
+                                    "position startpos moves d2d4",
+                                    "go depth 1",
+                                    "go infinite",
+                                    "stop",
+                                    "ponderhit"};
+    for (const char* state : states) {
+        for (const char* command : commands) {
+            SCOPED_TRACE(std::string(state) + " | " + command);
+            answersTo(state);
+            answersTo(command);
+            answersTo("stop\nposition startpos moves e2e4\nsetoption name Threads value 1");
+            const std::string move = bestMove("go depth 2");
+            EXPECT_TRUE(move.size() == 4 && move[1] >= '7') << move;  // Black's
+        }
+    }
+}
+
+TEST(UciInput, EndsWithTheSearchesThatHaveALimit) {
+    Session session({}, smallTables, Session::Client::UserOnPipe);
+    session.send("uci\nposition startpos\ngo depth 4");
+    EXPECT_EQ(session.exitStatus(), 0);
+    Session endless({}, smallTables, Session::Client::UserOnPipe);
+    endless.send("uci\ngo infinite");
+    EXPECT_EQ(endless.exitStatus(), 0);
+}
+
+// Nothing but the first line chooses the protocol.
+TEST(UciInput, IsNotAskedForLater) {
+    Session session;
+    EXPECT_TRUE(session.answersTo("uci").empty());
+    session.send("sd 1\nnobook\ngo");
+    EXPECT_FALSE(session.nextMove().empty());
+}
+
+TEST(Program, AnswersItsArguments) {
+    const auto outputOf = [](const Lines& args) {
+        ScratchDirectory directory;
+        Lines all{engineProgram()};
+        all.insert(all.end(), args.begin(), args.end());
+        ChildProcess process(all, directory.path.string());
+        const std::string output = process.readAll().value_or("");
+        EXPECT_EQ(process.waitForExit(), 0);
+        return output;
+    };
+    EXPECT_TRUE(outputOf({"--version"}).starts_with("Vatro "));
+    EXPECT_NE(outputOf({"--help"}).find("bench"), std::string::npos);
+    const std::string bench = outputOf({"bench", "4"});
+    EXPECT_NE(bench.find(" nodes "), std::string::npos) << bench;
+    EXPECT_TRUE(bench.ends_with(" nps\n")) << bench;
+}
+
+}  // namespace
+}  // namespace vatro::test
