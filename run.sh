@@ -49,11 +49,7 @@ make_book() {
             return 0
         fi
     fi
-    if polyglot make-book -pgn $games -bin $book.new -max-ply 30 -min-game 1; then
-        mv $book.new $book
-    else
-        echo "No opening book: polyglot could not make it." >&2
-    fi
+    scripts/make_book.sh $games $book || echo "No opening book: polyglot could not make it." >&2
 }
 
 prepare() {

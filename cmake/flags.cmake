@@ -24,6 +24,12 @@ if(NOT MSVC)
     -fno-math-errno $<$<BOOL:${VATRO_WERROR}>:-Werror>)
 endif()
 
+if(VATRO_INSTALL AND NOT MSVC)
+  # An installed program does not depend on the folders in which it was built.
+  target_compile_options(vatro_flags INTERFACE
+    -ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffile-prefix-map=${PROJECT_BINARY_DIR}=build)
+endif()
+
 set(sanitizers "${VATRO_SANITIZE}")
 if(VATRO_FUZZ AND NOT sanitizers)
   # Every library is instrumented; the fuzz targets alone link the fuzzer's main.

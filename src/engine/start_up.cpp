@@ -10,6 +10,7 @@
 #include "engine/wb_engine.h"
 #include "shell/command_line.h"
 #include "shell/configuration.h"
+#include "shell/default_book.h"
 
 namespace vatro {
 namespace {
@@ -44,6 +45,7 @@ WBEngine::~WBEngine() { player.stopSearch(); }
 void WBEngine::startUp(const Args& commandLine) {
     seedRandomGenerator();
     atTerminal = inputIsTerminal();
+    chooseDefaultBook(player.book);
     readConfiguration(ConfigurationFile, player);
     printBanner();
     applyCommandLine(commandLine, player);

@@ -12,6 +12,7 @@
 #include "board/move_generation.h"
 #include "shell/command_line.h"
 #include "shell/configuration.h"
+#include "shell/default_book.h"
 
 namespace vatro {
 namespace {
@@ -42,6 +43,7 @@ UciEngine::UciEngine(std::shared_ptr<InputQueue> lineQueue)
 UciEngine::~UciEngine() { player.stopSearch(); }
 
 void UciEngine::startUp(const std::vector<std::string>& commandLine) {
+    chooseDefaultBook(player.book);
     readConfiguration(ConfigurationFile, player);
     applyCommandLine(commandLine, player);
     player.useBook = false;  // its moves are not the search's, see playsFromBook

@@ -81,9 +81,9 @@ std::span<const UciEngine::Option> UciEngine::options() {
         {"MultiPV",
          [](const Engine& e) { return spin(static_cast<int>(e.lines), 1, MostLines); },
          [](Engine& e, Value value) -> std::string {
-             const int lines = readNumber(value);
-             if (lines < 1 || lines > MostLines) return "value out of range";
-             e.lines = static_cast<unsigned>(lines);
+             const int count = readNumber(value);
+             if (count < 1 || count > MostLines) return "value out of range";
+             e.lines = static_cast<unsigned>(count);
              return {};
          }},
         {"Ponder",  // tells the interface that "go ponder" may be sent
