@@ -17,6 +17,44 @@ constexpr double ShareOfTime = 0.9;         // a tenth is kept back; tuned
 // (bench/short_clocks.py).
 constexpr std::int64_t ReservePerHelper = 1;
 
+TimePlan planSession(const TimeControl& control, std::uint32_t plyCount, std::uint32_t elapsed) {
+    TimePlan plan{};
+    plan.plyCount = plyCount;
+    plan.fullMoveNumber = plyCount / 2 + 1;
+    plan.movesPerSession = control.movesPerSession;
+    plan.baseTime = control.baseTime;
+    plan.increment = control.increment;
+    if (plan.movesPerSession == 0) {
+        plan.sessions = 1;
+        plan.remainingMoves = MovesAssumed;
+    } else {
+        const std::uint32_t move = plan.fullMoveNumber % plan.movesPerSession;  // 0: the last one
+        plan.remainingMoves = move == 0 ? 1 : plan.movesPerSession + 1 - move;
+        plan.sessions = plan.fullMoveNumber / plan.movesPerSession + (move == 0 ? 0 : 1);
+    }
+    const std::uint32_t total =
+        plan.increment * plan.fullMoveNumber + plan.sessions * plan.baseTime;
+    const std::uint32_t remaining = total - elapsed;
+    plan.total = static_cast<std::int32_t>(total);
+    plan.elapsed = static_cast<std::int32_t>(elapsed);
+    plan.remaining = static_cast<std::int32_t>(remaining);
+    plan.available =
+        static_cast<std::int32_t>((plan.remainingMoves - 1) * plan.increment + remaining);
+    plan.max = static_cast<std::int32_t>(plan.available * ShareOfTime / plan.remainingMoves);
+    return plan;
+}
+
+/// Each move has `time` to itself.
+TimePlan planMove(std::uint32_t time, std::uint32_t plyCount) {
+    TimePlan plan{};
+    plan.plyCount = plyCount;
+    plan.fullMoveNumber = plyCount / 2 + 1;
+    plan.movesPerSession = plan.remainingMoves = plan.sessions = 1;
+    plan.baseTime = time;
+    plan.total = plan.remaining = plan.available = plan.max = static_cast<std::int32_t>(time);
+    return plan;
+}
+
 }  // namespace
 
 std::uint32_t clockNow() {
@@ -75,7 +113,7 @@ void TimeControl::restartGame() {
 }
 
 void TimeControl::setTimeLeft(std::int32_t left, std::uint32_t plyCount) {
-    const auto total = static_cast<std::uint32_t>(planTime(*this, plyCount, 0).total);
+    const auto total = static_cast<std::uint32_t>(planSession(*this, plyCount, 0).total);
     const std::lock_guard lock(mutex);
     timeUsed = total - static_cast<std::uint32_t>(left);
     clockStart = clockNow();
@@ -90,8 +128,10 @@ void TimeControl::forgetTimeLeft() {
 
 /// The increment of this move comes only after it, as do those of the moves that follow.
 std::int64_t TimeControl::timeLeft(std::uint32_t now, std::uint32_t plyCount) const {
-    if (timePerMove)
-        return std::int64_t{timePerMove} - static_cast<std::int32_t>(now - searchStartedAt);
+    if (timePerMove) {  // from the start of the search, or of the clock if that came later
+        const std::uint32_t used = std::min(now - searchStartedAt, now - clockStart);
+        return std::int64_t{timePerMove} - static_cast<std::int32_t>(used);
+    }
     const std::uint32_t reading = readingAt(now);
     if (toldLeft) return std::int64_t{*toldLeft} - static_cast<std::int32_t>(reading - toldReading);
     return std::int64_t{planTime(*this, plyCount, reading).remaining} - increment;
@@ -114,36 +154,8 @@ TimePlan planTime(const TimeControl& control, std::uint32_t plyCount) {
 }
 
 TimePlan planTime(const TimeControl& control, std::uint32_t plyCount, std::uint32_t elapsed) {
-    TimePlan plan{};
-    plan.plyCount = plyCount;
-    plan.fullMoveNumber = plyCount / 2 + 1;
-    if (const std::uint32_t time = control.timePerMove) {
-        plan.movesPerSession = plan.remainingMoves = plan.sessions = 1;
-        plan.baseTime = time;
-        plan.total = plan.remaining = plan.available = plan.max = static_cast<std::int32_t>(time);
-        return plan;
-    }
-    plan.movesPerSession = control.movesPerSession;
-    plan.baseTime = control.baseTime;
-    plan.increment = control.increment;
-    if (plan.movesPerSession == 0) {
-        plan.sessions = 1;
-        plan.remainingMoves = MovesAssumed;
-    } else {
-        const std::uint32_t move = plan.fullMoveNumber % plan.movesPerSession;  // 0: the last one
-        plan.remainingMoves = move == 0 ? 1 : plan.movesPerSession + 1 - move;
-        plan.sessions = plan.fullMoveNumber / plan.movesPerSession + (move == 0 ? 0 : 1);
-    }
-    const std::uint32_t total =
-        plan.increment * plan.fullMoveNumber + plan.sessions * plan.baseTime;
-    const std::uint32_t remaining = total - elapsed;
-    plan.total = static_cast<std::int32_t>(total);
-    plan.elapsed = static_cast<std::int32_t>(elapsed);
-    plan.remaining = static_cast<std::int32_t>(remaining);
-    plan.available =
-        static_cast<std::int32_t>((plan.remainingMoves - 1) * plan.increment + remaining);
-    plan.max = static_cast<std::int32_t>(plan.available * ShareOfTime / plan.remainingMoves);
-    return plan;
+    const std::uint32_t time = control.timePerMove;
+    return time ? planMove(time, plyCount) : planSession(control, plyCount, elapsed);
 }
 
 }  // namespace vatro
