@@ -50,9 +50,15 @@ struct SearchRecord final : SearchInterface, SearchReporter {
         lines.clear();
         refusedMoves.clear();
         stop.reset();
+        looksAtClock = 0;
     }
 
-    bool timeout() override { return false; }
+    unsigned looksAtClock = 0;
+
+    bool timeout() override {
+        ++looksAtClock;
+        return false;
+    }
     void printThinking(const RootLine& best) override {
         if (best.bound != Bound::Exact) return;
         const PrincipalVariation& line = best.line;
