@@ -253,8 +253,9 @@ BENCHMARK(plainBoard)->Iterations(1000)->Unit(benchmark::kMicrosecond);
 void randomGames(benchmark::State& state) {
     std::srand(1);
     const auto game = std::make_unique<vatro::Game>();
+    vatro::StopCheck never;
     while (state.KeepRunning()) {
-        vatro::playRandomGames(*game, static_cast<unsigned long>(state.range(0)));
+        vatro::playRandomGames(*game, static_cast<unsigned long>(state.range(0)), never);
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }

@@ -11,10 +11,10 @@ namespace {
 bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-void dropTrailingBlanks(std::string_view& text) {
-    while (text.ends_with(' ')) {
-        text.remove_suffix(1);
-    }
+/// The text without any of `characters` at its ends.
+std::string_view trim(std::string_view text, std::string_view characters) {
+    text.remove_prefix(std::min(text.find_first_not_of(characters), text.size()));
+    return text.substr(0, text.find_last_not_of(characters) + 1);
 }
 
 }  // namespace
@@ -58,14 +58,11 @@ std::string_view trimLine(std::string_view line) {
     line = line.substr(0, line.find('\0'));
     if (line.ends_with('\n')) line.remove_suffix(1);
     if (line.ends_with('\r')) line.remove_suffix(1);
-    dropTrailingBlanks(line);
-    return line;
+    return line.substr(0, line.find_last_not_of(' ') + 1);
 }
 
-std::string_view trimBlanks(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-    dropTrailingBlanks(text);
-    return text;
-}
+std::string_view trimBlanks(std::string_view text) { return trim(text, " "); }
+
+std::string_view trimBlanksAndTabs(std::string_view text) { return trim(text, " \t"); }
 
 }  // namespace vatro

@@ -25,4 +25,7 @@ std::string_view trimLine(std::string_view line);
 /// The text without leading and trailing blanks. A blank is the space character alone.
 std::string_view trimBlanks(std::string_view text);
 
+/// The same for spaces and tabs.
+std::string_view trimBlanksAndTabs(std::string_view text);
+
 }  // namespace vatro

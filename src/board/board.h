@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "board/move.h"
 #include "board/types.h"
@@ -128,7 +129,7 @@ class Board_0x88 final : public Board_Common {
     bool readSideToMove(const char*& text);
     bool readCastlingRights(const char*& text);
     bool readEnPassant(const char*& text);
-    bool readClocks(const char* text);
+    bool readClocks(std::string_view text);
     void dropImpossibleRights();
 };
 

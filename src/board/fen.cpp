@@ -2,18 +2,21 @@
 //
 // The reader is strict about form (one blank between fields, letters in order) but does not judge
 // the position: kings may be missing, pawns may stand on the last rank.
+#include <algorithm>
 #include <cctype>
-#include <cstdlib>
+#include <cstdint>
 #include <cstring>
 #include <string>
+#include <string_view>
 
+#include "base/text.h"
 #include "board/board.h"
 #include "board/zobrist.h"
 
 namespace vatro {
 namespace {
 
-constexpr int MaxClockDigits = 4;           // of the half-move clock, which keeps their low byte
+constexpr std::size_t MaxClockDigits = 4;   // of the half-move clock, which is kept to its range
 constexpr char castlingLetters[] = "KQkq";  // the letter of right bit i
 
 PieceType pieceFromLetter(char letter) {
@@ -124,14 +127,17 @@ bool Board_0x88::readEnPassant(const char*& text) {
     return true;
 }
 
-bool Board_0x88::readClocks(const char* text) {
-    const char* blank = std::strchr(text, ' ');
-    if (!blank) return std::atoi(text) >= 1;  // a lone number is the move number
-    if (blank - text > MaxClockDigits) return false;
-    const int clock = std::atoi(text);
-    if (clock < 0) return false;
-    halfmoveClock = static_cast<std::uint8_t>(clock);
-    return std::atoi(blank + 1) >= 1;
+bool Board_0x88::readClocks(std::string_view text) {
+    const std::size_t blank = text.find(' ');
+    const bool isMoveNumberAlone = blank == std::string_view::npos;
+    const std::string_view moveNumber = isMoveNumberAlone ? text : text.substr(blank + 1);
+    if (!isMoveNumberAlone) {
+        if (blank > MaxClockDigits) return false;
+        const int clock = readNumber(text.substr(0, blank));
+        if (clock < 0) return false;
+        halfmoveClock = static_cast<std::uint8_t>(std::min(clock, UINT8_MAX));
+    }
+    return readNumber(moveNumber) >= 1;
 }
 
 std::string Board_0x88::toFEN(unsigned fullMoveNumber) const {

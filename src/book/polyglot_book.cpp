@@ -9,11 +9,11 @@
 #include <cstdio>
 #include <filesystem>
 #include <limits>
-#include <memory>
 #include <system_error>
 #include <utility>
 
 #include "base/random.h"
+#include "base/regular_file.h"
 #include "book/book_move.h"
 
 namespace vatro {
@@ -57,11 +57,9 @@ bool seekTo(std::FILE* file, std::int64_t offset) {
 /// A book that is open for one probe.
 class BookFile {
   public:
-    /// False when the file cannot be opened, or is one that could make the reader wait for ever.
+    /// False when there is no regular file or it cannot be opened.
     [[nodiscard]] bool open(const std::string& path) {
-        std::error_code ignored;
-        if (std::filesystem::is_other(path, ignored)) return false;
-        file.reset(std::fopen(path.c_str(), "rb"));
+        file = openRegularFile(path);
         if (!file) return false;
         // A buffer would read 4096 bytes for each key that the search looks at.
         std::setvbuf(file.get(), nullptr, _IONBF, 0);
@@ -85,16 +83,12 @@ class BookFile {
     }
 
   private:
-    struct Close {
-        void operator()(std::FILE* stream) const { std::fclose(stream); }
-    };
-
     bool read(std::int64_t index, unsigned char* bytes, std::size_t size) const {
         return seekTo(file.get(), index * EntrySize) &&
                std::fread(bytes, 1, size, file.get()) == size;
     }
 
-    std::unique_ptr<std::FILE, Close> file;
+    FileHandle file;
 };
 
 /// The index of an entry with the key, by binary search; -1 when there is none or the file cannot
@@ -167,7 +161,7 @@ PolyglotBook::PolyglotBook(std::string path) : filePath(std::move(path)) {
 void PolyglotBook::setPath(const std::string& path) {
     const std::lock_guard lock(mutex);
     filePath = path.substr(0, MaxPathLength);
-    if (consulted) entryCount = countEntries(filePath);
+    entryCount = 0;
 }
 
 std::string PolyglotBook::path() const {
@@ -181,8 +175,7 @@ bool PolyglotBook::probe(const Board_0x88& board, Move& move, std::string& error
     std::int64_t count = 0;
     {
         const std::lock_guard lock(mutex);
-        if (!consulted) entryCount = countEntries(filePath);
-        consulted = true;
+        if (entryCount == 0) entryCount = countEntries(filePath);
         currentPath = filePath;
         count = entryCount;
     }

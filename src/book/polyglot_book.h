@@ -37,8 +37,8 @@ class PolyglotBook {
   private:
     mutable std::mutex mutex;  // guards the fields below; never held while the file is read
     std::string filePath;
-    std::uint32_t entryCount = 0;  // counted once for a path, not at every probe
-    bool consulted = false;        // entryCount is known from the first probe on
+    /// Counted by the first probe that finds a book; 0 until then.
+    std::uint32_t entryCount = 0;
 };
 
 }  // namespace vatro

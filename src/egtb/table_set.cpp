@@ -81,6 +81,7 @@ void TableSet::addTable(const std::string& path, const std::string& fileName) {
 void TableSet::notice(const std::string& text) const {
     const std::lock_guard<std::mutex> lock(noticeLock);
     if (++noticeCount == 1) firstNotice = text;
+    hasNotice.store(true, std::memory_order_relaxed);
 }
 
 void TableSet::markBroken(Table& table) const noexcept {
@@ -127,13 +128,12 @@ int TableSet::openFiles() const {
 }
 
 std::string TableSet::takeNotice() const {
+    if (!hasNotice.load(std::memory_order_relaxed)) return {};
     const std::lock_guard<std::mutex> lock(noticeLock);
-    std::string text;
-    if (noticeCount > 0 && !firstNotice.empty()) {
-        text = "tablebases: ignored: " + firstNotice;
-        if (noticeCount > 1) text += " (and " + std::to_string(noticeCount - 1) + " more)";
-    }
-    firstNotice.clear();
+    if (!hasNotice.exchange(false, std::memory_order_relaxed)) return {};
+    std::string text = "tablebases: ignored: " + firstNotice;
+    if (noticeCount > 1) text += " (and " + std::to_string(noticeCount - 1) + " more)";
+    noticeCount = 0;
     return text;
 }
 

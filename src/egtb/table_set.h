@@ -34,7 +34,10 @@ class TableSet {
     /// Files that are open. Any thread.
     int openFiles() const;
 
-    /// One line about files that could not be used; empty when there is nothing new to say.
+    std::size_t tableCount() const { return tables.size(); }
+
+    /// One line about files that could not be used; empty when there is nothing new to say, which
+    /// takes no lock.
     std::string takeNotice() const;
 
   private:
@@ -75,7 +78,8 @@ class TableSet {
     mutable std::uint64_t useCount = 0;
     mutable std::mutex noticeLock;  // a probe takes it only to report a broken file
     mutable std::string firstNotice;
-    mutable int noticeCount = 0;
+    mutable int noticeCount = 0;  // since the last one was taken
+    mutable std::atomic<bool> hasNotice{false};
 };
 
 }  // namespace vatro::egtb

@@ -163,6 +163,11 @@ TablebaseState::Statistics TablebaseState::statistics() const noexcept {
     return sum;
 }
 
+std::size_t TablebaseState::tableCount() const noexcept {
+    const Reader reader(*this);
+    return reader.tables ? reader.tables->tableCount() : 0;
+}
+
 std::string TablebaseState::takeNotice() {
     const Reader reader(*this);
     return reader.tables ? reader.tables->takeNotice() : std::string();

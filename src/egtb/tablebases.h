@@ -33,6 +33,9 @@ class TablebaseState {
     /// tables are then shut down.
     bool initialise(const std::string& paths, std::size_t cacheBytes) noexcept;
 
+    /// Tables that are open. Any thread.
+    std::size_t tableCount() const noexcept;
+
     /// Closes the tables, after the last probe that uses them. Any thread.
     void shutDown() noexcept;
 
@@ -71,7 +74,7 @@ class TablebaseState {
     Statistics statistics() const noexcept;
 
     /// One line, without "# " and line end, about files that could not be used; empty when there is
-    /// nothing new to say. Any thread.
+    /// nothing new to say, which takes no lock. Any thread.
     std::string takeNotice();
 
   private:

@@ -4,11 +4,13 @@
 // the buffer, whatever it holds.
 #include "engine/configuration.h"
 
-#include <memory>
+#include <filesystem>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 #include "base/console.h"
+#include "base/regular_file.h"
 #include "base/text.h"
 #include "engine/settings.h"
 
@@ -16,6 +18,8 @@ namespace vatro {
 namespace {
 
 constexpr int LineBufferSize = 1024;  // bytes, with the terminating zero; no derivation
+constexpr int MaxLines = 1000;        // no derivation; a file that grows must not delay the start
+constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";  // some editors begin a file with it
 
 std::string refusal(const Setting& setting, const std::string& value) {
     const std::string name(setting.name);
@@ -47,21 +51,36 @@ void applyLine(std::string_view text, ChessPlayer& player) {
     if (value.size() > 1 && value.starts_with('"') && value.ends_with('"')) {
         value = value.substr(1, value.size() - 2);
     }
-    applySetting(trimBlanks(line.substr(0, equals)), std::string(value), player);
+    applySetting(trimBlanksAndTabs(line.substr(0, equals)), std::string(value), player);
 }
 
 }  // namespace
 
 void readConfiguration(std::FILE* file, ChessPlayer& player) {
     char buffer[LineBufferSize];
-    while (std::fgets(buffer, sizeof buffer, file)) {
-        applyLine(buffer, player);
+    for (int number = 1; std::fgets(buffer, sizeof buffer, file); ++number) {
+        if (number > MaxLines) {
+            say(formatted("# WARNING: ini file has more than %d lines, rest ignored\n", MaxLines));
+            return;
+        }
+        std::string_view line(buffer);
+        if (number == 1 && line.starts_with(ByteOrderMark)) {
+            line.remove_prefix(ByteOrderMark.size());
+        }
+        applyLine(line, player);
     }
 }
 
 void readConfiguration(const char* path, ChessPlayer& player) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path, "r"), &std::fclose);
-    if (file) readConfiguration(file.get(), player);
+    if (const FileHandle file = openRegularFile(path)) {
+        readConfiguration(file.get(), player);
+        return;
+    }
+    std::error_code ignored;
+    const std::filesystem::file_status status = std::filesystem::status(path, ignored);
+    if (exists(status) && !is_regular_file(status)) {
+        say("# WARNING: ini file is no regular file, ignored\n");
+    }
 }
 
 }  // namespace vatro

@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include "base/text.h"
+
 namespace vatro {
 
 InputQueue::Event InputQueue::next(InputLine& line) {
@@ -29,6 +31,7 @@ bool InputQueue::push(InputLine line) {
     std::unique_lock lock(mutex);
     changed.wait(lock, [this] { return lines.size() < Capacity || abandoned; });
     if (abandoned) return false;
+    if (!line.tooLong && trimLine(line.text) == "quit") noteEnd();
     lines.push_back(std::move(line));
     changed.notify_all();
     return true;
@@ -37,7 +40,12 @@ bool InputQueue::push(InputLine line) {
 void InputQueue::close() {
     const std::lock_guard lock(mutex);
     closed = true;
+    noteEnd();
     changed.notify_all();
+}
+
+void InputQueue::noteEnd() {
+    if (endCame.load() == Never) endCame = Clock::now();
 }
 
 void InputQueue::abandon() {

@@ -4,6 +4,8 @@
 // The reading thread may outlive the loop, so both share the queue's ownership.
 #pragma once
 
+#include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -27,6 +29,8 @@ class InputQueue {
 
     enum class Event { Line, End, Woken };
 
+    using Clock = std::chrono::steady_clock;
+
     /// Waits for an event. Lines come first, then the end of input, then a wake-up.
     Event next(InputLine& line);
     /// Wakes the loop although no line has come. Any thread.
@@ -39,8 +43,19 @@ class InputQueue {
     /// The loop has ended: no line is wanted any more.
     void abandon();
 
+    /// True when the program is to end, by a line "quit" or by the end of input, and the first of
+    /// the two came after `moment`. Any thread; costs no more than a read.
+    bool endCameAfter(Clock::time_point moment) const {
+        return endCame.load(std::memory_order_relaxed) > moment;
+    }
+
   private:
-    std::mutex mutex;  // guards all below
+    void noteEnd();
+
+    static constexpr Clock::time_point Never = Clock::time_point::min();
+    std::atomic<Clock::time_point> endCame{Never};
+
+    std::mutex mutex;  // guards all below; held by those who write `endCame`
     std::condition_variable changed;
     std::deque<InputLine> lines;
     bool woken = false;

@@ -64,6 +64,9 @@ bool WBEngine::cmdEgtPath(const Args& args) {
     say("# initializing TB: type=" + type + " path=" + path + '\n');
     const Unlocked free(gameLock);  // as in cmdOption
     player.initTablebases(path);
+    if (const std::size_t found = player.tablebases.tableCount()) {
+        say("# tablebases found: " + std::to_string(found) + '\n');
+    }
     return true;
 }
 

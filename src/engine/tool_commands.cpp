@@ -1,4 +1,6 @@
 // engine/tool_commands.cpp - commands that test the engine, show its evaluation or play at random.
+#include <chrono>
+
 #include "base/console.h"
 #include "base/text.h"
 #include "engine/wb_engine.h"
@@ -12,7 +14,8 @@
 namespace vatro {
 namespace {
 
-using PerftFunction = std::uint64_t (*)(Board_0x88&, unsigned, PerftHashTable&, std::uint64_t&);
+using PerftFunction =
+    std::uint64_t (*)(Board_0x88&, unsigned, PerftHashTable&, std::uint64_t&, StopCheck&);
 
 /// Counts and prints the totals. False when the depth is out of range
 /// or there is no memory for the table.
@@ -20,7 +23,8 @@ bool runPerft(const std::string& depthText,
               PerftFunction count,
               const char* prefix,
               Board_0x88& board,
-              PerftHashTable& table) {
+              PerftHashTable& table,
+              StopCheck stop) {
     const int depth = readNumber(depthText);
     if (depth < 1) return false;
     if (static_cast<unsigned>(depth) > MaxPerftDepth) {
@@ -34,35 +38,46 @@ bool runPerft(const std::string& depthText,
     }
     preparePerftKeys(board);
     PerftTotals totals{};
-    totals.leaves = count(board, static_cast<unsigned>(depth), table, totals.nodes);
+    totals.leaves = count(board, static_cast<unsigned>(depth), table, totals.nodes, stop);
     totals.elapsedCs = clockNow() - start;
     totals.hashFullPercentage = table.fillPercentage();
-    say(perftTotalsText(totals, prefix));
+    say((stop.hasStopped() ? InterruptedLine : "") + perftTotalsText(totals, prefix));
     return true;
 }
 
 }  // namespace
 
+StopCheck WBEngine::stopCheck() const {
+    // What a script has sent in one go reaches us within this time, on a busy machine too.
+    constexpr std::chrono::milliseconds Grace(100);
+    const auto latest = InputQueue::Clock::now() + Grace;
+    return StopCheck([queue = input.get(), latest] { return queue->endCameAfter(latest); });
+}
+
 /// "perft DEPTH": leaves of the move tree.
 bool WBEngine::cmdPerft(const Args& args) {
-    return runPerft(args[0], &perftCount, "# ", player.game.board, perftHash);
+    return runPerft(args[0], &perftCount, "# ", player.game.board, perftHash, stopCheck());
 }
 
 /// "divide DEPTH": leaves of the move tree below each move.
 bool WBEngine::cmdDivide(const Args& args) {
-    return runPerft(args[0], &divideRoot, "", player.game.board, perftHash);
+    return runPerft(args[0], &divideRoot, "", player.game.board, perftHash, stopCheck());
 }
 
 /// "selftest": counts positions with known results, then starts a new game.
 bool WBEngine::cmdSelfTest(const Args& /*args*/) {
-    const bool hasRun = runSelfTest(player.game.board, perftHash);
+    StopCheck stop = stopCheck();
+    const bool hasRun = runSelfTest(player.game.board, perftHash, stop);
     if (!hasRun) say("# ERROR: no memory for the perft hash\n");
     return cmdNew({}) && hasRun;
 }
 
 /// "test [FILE]": loads every position of the file, then starts a new game.
 bool WBEngine::cmdTest(const Args& args) {
-    if (!args.empty() && !runPositionFileTest(player.game.board, args[0].c_str())) return false;
+    StopCheck stop = stopCheck();
+    if (!args.empty() && !runPositionFileTest(player.game.board, args[0].c_str(), stop)) {
+        return false;
+    }
     return cmdNew({});
 }
 
@@ -89,7 +104,10 @@ bool WBEngine::cmdRandPos(const Args& args) {
     }
     const int count = readNumber(args[0]);
     if (count < 1) return false;
-    if (!writeRandomPositions(count, args.size() > 1 ? args[1].c_str() : nullptr)) return false;
+    StopCheck stop = stopCheck();
+    if (!writeRandomPositions(count, args.size() > 1 ? args[1].c_str() : nullptr, stop)) {
+        return false;
+    }
     return cmdNew({});
 }
 
@@ -100,7 +118,8 @@ bool WBEngine::cmdRandGames(const Args& args) {
     if (games < 1) return false;
     stopSearch();
     const bool hadRandomMoves = player.randomMoves.exchange(true);
-    playRandomGames(player.game, static_cast<unsigned long>(games));
+    StopCheck stop = stopCheck();
+    playRandomGames(player.game, static_cast<unsigned long>(games), stop);
     player.randomMoves = hadRandomMoves;
     gameOver = false;  // the start position is on the board
     return true;

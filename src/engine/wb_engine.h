@@ -18,6 +18,7 @@
 #include "search/chess_player.h"
 #include "search/time_control.h"
 #include "tools/perft_hash.h"
+#include "tools/stop_check.h"
 
 namespace vatro {
 
@@ -73,6 +74,9 @@ class WBEngine final : public EngineInterface {
     /// Plays a legal move in the game.
     void append(Move move);
     void finishTakingBack();
+    /// For a run that begins now: "quit" or the end of input stops it, unless it came with the
+    /// command. A script that sends all its lines at once gets whole answers.
+    StopCheck stopCheck() const;
 
     bool cmdQuit(const Args& args);
     bool cmdXboard(const Args& args);

@@ -99,6 +99,7 @@ void ChessPlayer::stopHelpers() {
 }
 
 bool ChessPlayer::timeout() {
+    reportTablebaseFaults();
     if (!timeControl.timed || timeControl.searchTime() < timeControl.timeForMove) return false;
     reporter.reportStop({StopReason::Timeout});
     return true;

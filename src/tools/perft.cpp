@@ -11,11 +11,16 @@
 namespace vatro {
 namespace {
 
+/// Less depth is counted within a millisecond or so, in a position with very many moves within 20,
+/// and need not look whether to stop.
+constexpr unsigned MinStopDepth = 3;
+
 template <Colour Us>
 std::uint64_t countLeaves(Board_0x88& board,
                           unsigned depth,
                           PerftHashTable& table,
-                          std::uint64_t& nodes) {
+                          std::uint64_t& nodes,
+                          StopCheck& stop) {
     constexpr Colour Them = Side<Us>::Them;
     ++nodes;
     if (depth == 1) {
@@ -23,15 +28,17 @@ std::uint64_t countLeaves(Board_0x88& board,
     }
     const Key key = board.perftKeys[board.perftPly];
     if (const PerftEntry* entry = table.probe(key, depth)) return entry->leafCount;
+    if (depth >= MinStopDepth && stop.mustStop()) return 0;
     MoveList list;
     generateLegalMoves<Us>(board, computePins<Us>(board, findCheckers<Us>(board)), list);
     std::uint64_t leaves = 0;
     for (const ScoredMove& entry : list) {
         UndoRecord undo;
         makeMovePerft<Us>(board, entry.move, undo);
-        leaves += countLeaves<Them>(board, depth - 1, table, nodes);
+        leaves += countLeaves<Them>(board, depth - 1, table, nodes, stop);
         unmakeMovePerft<Us>(board, entry.move, undo);
     }
+    if (depth >= MinStopDepth && stop.hasStopped()) return leaves;  // perhaps not all
     table.store(key, leaves, depth);
     return leaves;
 }
@@ -47,16 +54,18 @@ void preparePerftKeys(Board_0x88& board) {
 std::uint64_t perftCount(Board_0x88& board,
                          unsigned depth,
                          PerftHashTable& table,
-                         std::uint64_t& nodes) {
+                         std::uint64_t& nodes,
+                         StopCheck& stop) {
     assert(depth >= 1 && depth <= MaxPerftDepth);
-    return board.sideToMove == White ? countLeaves<White>(board, depth, table, nodes)
-                                     : countLeaves<Black>(board, depth, table, nodes);
+    return board.sideToMove == White ? countLeaves<White>(board, depth, table, nodes, stop)
+                                     : countLeaves<Black>(board, depth, table, nodes, stop);
 }
 
 std::uint64_t divideRoot(Board_0x88& board,
                          unsigned depth,
                          PerftHashTable& table,
-                         std::uint64_t& nodes) {
+                         std::uint64_t& nodes,
+                         StopCheck& stop) {
     assert(depth >= 1 && depth <= MaxPerftDepth);
     ++nodes;
     MoveList list;
@@ -65,8 +74,10 @@ std::uint64_t divideRoot(Board_0x88& board,
     for (const ScoredMove& entry : list) {
         UndoRecord undo;
         makeMovePerft(board, entry.move, undo);
-        const std::uint64_t leaves = depth == 1 ? 1 : perftCount(board, depth - 1, table, nodes);
+        const std::uint64_t leaves =
+            depth == 1 ? 1 : perftCount(board, depth - 1, table, nodes, stop);
         unmakeMovePerft(board, entry.move, undo);
+        if (stop.hasStopped()) break;
         write(moveToText(entry.move) + ' ' + std::to_string(leaves) + '\n');
         total += leaves;
     }

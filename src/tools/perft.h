@@ -9,6 +9,7 @@
 
 #include "board/board.h"
 #include "tools/perft_hash.h"
+#include "tools/stop_check.h"
 
 namespace vatro {
 
@@ -20,17 +21,21 @@ constexpr unsigned MaxPerftDepth = PerftKeyCount - 1;
 void preparePerftKeys(Board_0x88& board);
 
 /// Leaves at `depth` (1 to MaxPerftDepth). `nodes` grows by the positions visited; those that the
-/// table answers for are counted, the ones below them are not. The table must be prepared.
+/// table answers for are counted, the ones below them are not. The table must be prepared. A run
+/// that is stopped gives the leaves that it has counted.
 std::uint64_t perftCount(Board_0x88& board,
                          unsigned depth,
                          PerftHashTable& table,
-                         std::uint64_t& nodes);
+                         std::uint64_t& nodes,
+                         StopCheck& stop);
 
-/// The same, with a line on standard output for each move of the root: the move and its leaves.
+/// The same, with a line on standard output for each move of the root: the move and its leaves. A
+/// move whose count is stopped has no line and adds no leaves.
 std::uint64_t divideRoot(Board_0x88& board,
                          unsigned depth,
                          PerftHashTable& table,
-                         std::uint64_t& nodes);
+                         std::uint64_t& nodes,
+                         StopCheck& stop);
 
 /// Events per second, 0 for a time of 0.
 constexpr std::uint64_t perSecond(std::uint64_t events, std::uint64_t centiseconds) {

@@ -4,10 +4,10 @@
 #include "tools/position_file_test.h"
 
 #include <cstdio>
-#include <memory>
 #include <string>
 
 #include "base/console.h"
+#include "base/regular_file.h"
 
 namespace vatro {
 namespace {
@@ -24,14 +24,18 @@ void trim(std::string& line) {
 
 }  // namespace
 
-bool runPositionFileTest(Board_0x88& board, const char* path) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path, "r"), &std::fclose);
+bool runPositionFileTest(Board_0x88& board, const char* path, StopCheck& stop) {
+    const FileHandle file = openRegularFile(path);
     if (!file) {
         say(formatted("# ERROR: failed to open file \"%s\" for reading\n", path));
         return false;
     }
     char buffer[LineBufferSize];
     for (int number = 1; std::fgets(buffer, sizeof buffer, file.get()); ++number) {
+        if (stop.mustStop()) {
+            write(InterruptedLine);
+            break;
+        }
         std::string line = buffer;
         trim(line);
         write(formatted("Running test no. %d for FEN:\n%s\n\n", number, line.c_str()));

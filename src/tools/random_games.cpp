@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cassert>
 #include <memory>
+#include <string>
 
 #include "base/console.h"
 #include "board/draw.h"
@@ -38,15 +39,17 @@ void playRandomGame(Game& game, GameStatistics& stats) {
 
 }  // namespace
 
-void playRandomGames(Game& game, unsigned long games) {
+void playRandomGames(Game& game, unsigned long games, StopCheck& stop) {
     say(formatted("# Playing %lu random games ...\n", games));
     const auto stats = std::make_unique<GameStatistics>();
     const unsigned long interval = std::max(games / ProgressMarks, 1UL);  // few games: a mark each
     for (unsigned long i = 0; i < games; ++i) {
+        if (i > 0 && stop.mustStop()) break;
         playRandomGame(game, *stats);
         if (i % interval == 0) say("#");
     }
-    say("\ncalculate average values ...\n" + statisticsText(*stats));
+    say(std::string("\n") + (stop.hasStopped() ? InterruptedLine : "") +
+        "calculate average values ...\n" + statisticsText(*stats));
     setupStart(game);
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "board/game.h"
+#include "tools/stop_check.h"
 
 namespace vatro {
 
@@ -9,6 +10,7 @@ namespace vatro {
 /// mark now and then while it runs and the statistics at the end. A game ends with mate, stalemate,
 /// any draw by rule, a position that repeats, or when the record of moves is full. Leaves the start
 /// position and an empty record.
-void playRandomGames(Game& game, unsigned long games);
+/// A run that is stopped ends after the game that it plays.
+void playRandomGames(Game& game, unsigned long games, StopCheck& stop);
 
 }  // namespace vatro

@@ -239,7 +239,7 @@ std::string randomPositionFEN() {
     return drawFEN(board);
 }
 
-bool writeRandomPositions(int count, const char* path) {
+bool writeRandomPositions(int count, const char* path, StopCheck& stop) {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
         path ? std::fopen(path, "w") : nullptr, &std::fclose);
     if (path && !file) {
@@ -248,21 +248,23 @@ bool writeRandomPositions(int count, const char* path) {
     }
     Board_0x88 board;
     bool written = true;
-    for (int i = 0; i < count; ++i) {
+    int drawn = 0;
+    do {
         const std::string line = drawFEN(board) + '\n';
         if (file) {
             written = written && std::fputs(line.c_str(), file.get()) >= 0;
         } else {
             write(line);
         }
-    }
-    say("");
+        ++drawn;
+    } while (drawn < count && !stop.mustStop());
+    say(stop.hasStopped() ? InterruptedLine : "");
     if (!file) return true;
     if (!written || std::fflush(file.get()) != 0) {
         say(formatted("# ERROR: failed to write to file \"%s\"\n", path));
         return false;
     }
-    say(formatted("Wrote %d random FENs to file \"%s\"\n", count, path));
+    say(formatted("Wrote %d random FENs to file \"%s\"\n", drawn, path));
     return true;
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "board/board.h"
+#include "tools/stop_check.h"
 
 namespace vatro {
 
@@ -16,8 +17,8 @@ void setupRandomPosition(Board_0x88& board);
 std::string randomPositionFEN();
 
 /// Writes `count` (1 or more) random positions, one FEN a line, to the file at `path`, replacing
-/// it, or to standard output when `path` is nullptr. False when the file cannot be opened; the
-/// fault has been printed.
-[[nodiscard]] bool writeRandomPositions(int count, const char* path);
+/// it, or to standard output when `path` is nullptr. A run that is stopped writes fewer, at least
+/// one. False when the file cannot be opened or written; the fault has been printed.
+[[nodiscard]] bool writeRandomPositions(int count, const char* path, StopCheck& stop);
 
 }  // namespace vatro

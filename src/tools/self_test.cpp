@@ -80,7 +80,7 @@ std::string summaryText(const Sums& sums) {
 
 }  // namespace
 
-bool runSelfTest(Board_0x88& board, PerftHashTable& table) {
+bool runSelfTest(Board_0x88& board, PerftHashTable& table, StopCheck& stop) {
     Sums sums;
     for (const Row& row : rows) {
         if (!board.setupFromFEN(row.fen)) {
@@ -91,7 +91,11 @@ bool runSelfTest(Board_0x88& board, PerftHashTable& table) {
         if (!table.prepare()) return false;
         std::uint64_t nodes = 0;
         const std::uint64_t start = clockCs();
-        const std::uint64_t leaves = perftCount(board, row.depth, table, nodes);
+        const std::uint64_t leaves = perftCount(board, row.depth, table, nodes, stop);
+        if (stop.hasStopped()) {
+            say(InterruptedLine);
+            break;
+        }
         const std::uint64_t elapsedCs = clockCs() - start;
         sums.leaves += leaves;
         sums.nodes += nodes;

@@ -83,6 +83,8 @@ TEST(FenReader, RefusesMalformedFields) {
         {"a negative clock", "4k3/8/8/8/8/8/8/4K3 w - - -1 1"},
         {"move number 0", "4k3/8/8/8/8/8/8/4K3 w - - 0 0"},
         {"no move number", "4k3/8/8/8/8/8/8/4K3 w - - 0 "},
+        {"no numbers", "4k3/8/8/8/8/8/8/4K3 w - -  "},
+        {"move number far below 1", "4k3/8/8/8/8/8/8/4K3 w - - 0 -99999999999999999999"},
         {"two white kings", "4k3/8/8/8/8/8/8/3KK3 w - - 0 1"},
         {"nine pawns", "4k3/8/8/8/8/P7/PPPPPPPP/4K3 w - - 0 1"},
         {"eleven knights", "4k3/8/8/8/8/8/NNNNNNNN/NNN1K3 w - - 0 1"},
@@ -128,11 +130,19 @@ TEST(FenReader, DropsRightsWithoutKingAndRookAtHome) {
     }
 }
 
-TEST(FenReader, KeepsTheLowByteOfTheClock) {
-    EXPECT_EQ(boardOf("4k3/8/8/8/8/8/8/4K3 w - - 99 80")->halfmoveClock, 99);
-    EXPECT_EQ(boardOf("4k3/8/8/8/8/8/8/4K3 w - - 255 300")->halfmoveClock, 255);
-    EXPECT_EQ(boardOf("4k3/8/8/8/8/8/8/4K3 w - - 256 300")->halfmoveClock, 0);
-    EXPECT_EQ(boardOf("4k3/8/8/8/8/8/8/4K3 w - - 7")->halfmoveClock, 0) << "a lone move number";
+TEST(FenReader, KeepsTheClockToItsRange) {
+    const std::pair<const char*, int> cases[] = {
+        {"99 80", 99},    {"255 300", 255},
+        {"256 300", 255}, {"9999 1", 255},
+        {"7", 0},     // a lone move number
+        {" 7 9", 0},  // an empty field, then the move number
+        {"x 1", 0},       {"3 99999999999999999999", 3},
+    };
+    for (const auto& [numbers, clock] : cases) {
+        EXPECT_EQ(boardOf("4k3/8/8/8/8/8/8/4K3 w - - " + std::string(numbers))->halfmoveClock,
+                  clock)
+            << numbers;
+    }
 }
 
 TEST(FenWriter, WritesWhatWasRead) {

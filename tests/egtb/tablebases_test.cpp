@@ -209,16 +209,25 @@ TEST(Tablebases, UnusableFilesAreNamedOnce) {
 
 TEST(Tablebases, FileThatVanishesGivesNoAnswer) {
     TemporaryDirectory directory;
-    const std::string path = directory.path() + "/KQK" + TableSuffix;
-    std::filesystem::copy(smallTables() + "/KQK" + TableSuffix, path);
+    for (const char* const ending : {"KQK", "KRK"}) {
+        std::filesystem::copy_file(smallTables() + '/' + ending + TableSuffix,
+                                   directory.path() + '/' + ending + TableSuffix);
+    }
     Tables tables(directory.path());
-    std::filesystem::resize_file(path, 100);
+    EXPECT_EQ(tables.tableCount(), 2U);
+    for (const auto& file : std::filesystem::directory_iterator(directory.path())) {
+        std::filesystem::resize_file(file.path(), 100);
+    }
     EXPECT_EQ(answerTo(tables, "k7/2Q5/1K6/8/8/8/8/8 b"), "none");
     EXPECT_EQ(
         tables.takeNotice(),
         "tablebases: ignored: KQK.gtb.cp4 can no longer be read; make it again with vatro-tbgen");
     EXPECT_EQ(answerTo(tables, "k7/2Q5/1K6/8/8/8/8/8 b"), "none");
     EXPECT_EQ(tables.takeNotice(), "") << "said once";
+    EXPECT_EQ(answerTo(tables, "8/8/8/8/8/2k5/1R6/K7 w"), "none");
+    EXPECT_EQ(
+        tables.takeNotice(),
+        "tablebases: ignored: KRK.gtb.cp4 can no longer be read; make it again with vatro-tbgen");
 }
 
 TEST(Tablebases, CaptureThatAvertsAStalemateMustBeMade) {

@@ -98,6 +98,25 @@ TEST_F(Settings, TakeALongLineInPieces) {
     EXPECT_EQ(7U, player.ttHashSizeMB);
 }
 
+TEST_F(Settings, MayFollowAByteOrderMarkAndStandBetweenTabs) {
+    EXPECT_EQ("", read("\xEF\xBB\xBFttHashSizeMB\t=7\n\t \tpawnHashSizeMB \t =\t5\n"
+                       "\xEF\xBB\xBFgtbCacheSizeMB=9\n"));
+    EXPECT_EQ(7U, player.ttHashSizeMB);
+    EXPECT_EQ(5U, player.pawnHashSizeMB);
+    EXPECT_EQ(16U, player.gtbCacheSizeMB) << "the mark stands only at the beginning";
+}
+
+TEST_F(Settings, EndAfterAThousandLines) {
+    std::string text;
+    for (int i = 0; i < 999; ++i) {
+        text += "#\n";
+    }
+    EXPECT_EQ("", read(text + "ttHashSizeMB=7\n"));
+    EXPECT_EQ("# WARNING: ini file has more than 1000 lines, rest ignored\n",
+              read(text + "ttHashSizeMB=8\nttHashSizeMB=9\n"));
+    EXPECT_EQ(8U, player.ttHashSizeMB);
+}
+
 TEST_F(Settings, CommandLineComplainsAboutWhatItDoesNotKnow) {
     EXPECT_EQ(
         "# warning: found bad argument \"-4\" for command line option \"-cores\", must be a "

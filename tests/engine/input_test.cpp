@@ -59,6 +59,23 @@ TEST(InputQueue, ServesLinesThenTheEndThenWakeUps) {
     EXPECT_EQ(Event::End, queue.next(line));
 }
 
+TEST(InputQueue, TellsWhenTheFirstEndCame) {
+    using Clock = InputQueue::Clock;
+    const auto start = Clock::now();
+    InputQueue queue;
+    for (const char* const line : {"perft 9", "quit now", "Quit", ""}) {
+        queue.push({line});
+    }
+    queue.push({"quit", true});  // the beginning of a longer line
+    EXPECT_FALSE(queue.endCameAfter(start - std::chrono::seconds(1)));
+    queue.push({"quit  \r"});
+    const auto afterQuit = Clock::now();
+    EXPECT_TRUE(queue.endCameAfter(start - std::chrono::seconds(1)));
+    queue.close();
+    queue.push({"quit"});
+    EXPECT_FALSE(queue.endCameAfter(afterQuit));
+}
+
 TEST(InputThreads, HoldBackAWriterThatIsTooFast) {
     int ends[2];
     ASSERT_EQ(0, ::pipe(ends));

@@ -1,4 +1,7 @@
 // tests/engine/start_up_test.cpp - what the program says before its first command.
+#include <functional>
+#include <sys/stat.h>
+
 #include <gtest/gtest.h>
 
 #include "engine/session.h"
@@ -61,11 +64,25 @@ TEST(StartUp, SurvivesAnyConfigurationFile) {
     for (const std::string& content : {binary, oneLine, std::string("=\n=\n\n#\n\"=\"\"\n")}) {
         EXPECT_TRUE(outputToPrompt({}, content).ends_with("# Your move: "));
     }
-    Session session({}, "", true);
-    session.process.readUntil("# Your move: ");
-    std::filesystem::create_directory(session.directory.path / "vatro.ini");
-    ChildProcess inDirectory({engineProgram()}, session.directory.path.string());
-    EXPECT_TRUE(inDirectory.readUntil("# Your move: ").ends_with("# Your move: "));
+}
+
+TEST(StartUp, TakesNoConfigurationButFromARegularFile) {
+    const ScratchDirectory directory;
+    const std::string path = directory.file("vatro.ini");
+    const std::pair<const char*, std::function<void()>> kinds[] = {
+        {"a directory", [&] { std::filesystem::create_directory(path); }},
+        {"a pipe without a writer", [&] { ASSERT_EQ(0, ::mkfifo(path.c_str(), 0600)); }},
+        {"an endless device", [&] { std::filesystem::create_symlink("/dev/zero", path); }},
+    };
+    for (const auto& [kind, make] : kinds) {
+        SCOPED_TRACE(kind);
+        make();
+        ChildProcess process({engineProgram()}, directory.path.string());
+        const std::string output = process.readUntil("# Your move: ");
+        EXPECT_TRUE(output.starts_with("# WARNING: ini file is no regular file, ignored\n# Vatro"))
+            << output;
+        std::filesystem::remove(path);
+    }
 }
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)

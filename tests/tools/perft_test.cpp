@@ -31,7 +31,8 @@ Counts perft(Board_0x88& board, unsigned depth, PerftHashTable& table) {
     EXPECT_TRUE(table.prepare());
     preparePerftKeys(board);
     Counts counts{};
-    counts.leaves = perftCount(board, depth, table, counts.nodes);
+    StopCheck never;
+    counts.leaves = perftCount(board, depth, table, counts.nodes, never);
     return counts;
 }
 
@@ -164,22 +165,60 @@ TEST(Divide, PrintsEachMoveAndItsLeaves) {
     const auto board = boardOf(fen);
     PerftHashTable table(1);
     outputOf([&] { ASSERT_TRUE(table.prepare()); });
+    StopCheck never;
     std::uint64_t nodes = 0;
     std::uint64_t leaves = 0;
-    EXPECT_EQ(outputOf([&] { leaves = divideRoot(*board, 1, table, nodes); }),
+    EXPECT_EQ(outputOf([&] { leaves = divideRoot(*board, 1, table, nodes, never); }),
               "e1e2 1\ne1d2 1\ne1f2 1\n");
     EXPECT_EQ(leaves, 3U);
     EXPECT_EQ(nodes, 1U);
 
     nodes = 0;
     const std::string start =
-        outputOf([&] { leaves = divideRoot(*boardOf(startPositionFEN), 3, table, nodes); });
+        outputOf([&] { leaves = divideRoot(*boardOf(startPositionFEN), 3, table, nodes, never); });
     EXPECT_EQ(leaves, 8902U);
     EXPECT_EQ(start.substr(0, 9), "b1a3 400\n");
     EXPECT_NE(start.find("e2e4 600\n"), std::string::npos);
-    EXPECT_EQ(
-        outputOf([&] { divideRoot(*boardOf("k7/8/1Q6/8/8/8/8/K7 b - - 0 1"), 3, table, nodes); }),
-        "");
+    const auto stalemate = boardOf("k7/8/1Q6/8/8/8/8/K7 b - - 0 1");
+    EXPECT_EQ(outputOf([&] { divideRoot(*stalemate, 3, table, nodes, never); }), "");
+}
+
+/// Says yes from the given question on.
+StopCheck stopAt(int question) {
+    return StopCheck([question, asked = 0]() mutable { return ++asked >= question; });
+}
+
+TEST(StoppedPerft, LeavesNoWrongCountBehind) {
+    const auto board = boardOf(richPositions[1]);
+    PerftHashTable table(1);
+    outputOf([&] { ASSERT_TRUE(table.prepare()); });
+    preparePerftKeys(*board);
+    const std::string fen = board->toFEN();
+    std::uint64_t nodes = 0;
+    std::uint64_t before = 0;
+    for (const int question : {1, 2, 20, 25}) {
+        StopCheck stop = stopAt(question);
+        const std::uint64_t leaves = perftCount(*board, 4, table, nodes, stop);
+        EXPECT_TRUE(stop.hasStopped());
+        EXPECT_GE(leaves, before);  // with what the table knows from the runs before
+        EXPECT_LT(leaves, 4085603U);
+        EXPECT_EQ(board->toFEN(), fen);
+        before = leaves;
+    }
+    StopCheck never;
+    EXPECT_EQ(perftCount(*board, 4, table, nodes, never), 4085603U);
+}
+
+TEST(StoppedPerft, DividePrintsTheMovesThatItHasCounted) {
+    const auto board = boardOf(startPositionFEN);
+    PerftHashTable table(1);
+    outputOf([&] { ASSERT_TRUE(table.prepare()); });
+    std::uint64_t nodes = 0;
+    std::uint64_t leaves = 0;
+    StopCheck stop = stopAt(3);
+    EXPECT_EQ(outputOf([&] { leaves = divideRoot(*board, 4, table, nodes, stop); }),
+              "b1a3 8885\nb1c3 9755\n");
+    EXPECT_EQ(leaves, 8885U + 9755U);
 }
 
 TEST(PerftTotals, AreFiveLines) {
@@ -197,8 +236,9 @@ TEST(PositionFile, ReportsEveryLine) {
         std::ofstream file(path, std::ios::binary);
         file << "8/8/8/8/8/8/8/8 w - -  \r\n\nnonsense";
     }
+    StopCheck never;
     const auto board = boardOf(startPositionFEN);
-    EXPECT_EQ(outputOf([&] { EXPECT_TRUE(runPositionFileTest(*board, path.c_str())); }),
+    EXPECT_EQ(outputOf([&] { EXPECT_TRUE(runPositionFileTest(*board, path.c_str(), never)); }),
               "Running test no. 1 for FEN:\n8/8/8/8/8/8/8/8 w - -\n\n\n"
               "Running test no. 2 for FEN:\n\n\n# ERROR: illegal FEN: \"\"\n\n"
               "Running test no. 3 for FEN:\nnonsense\n\n# ERROR: illegal FEN: \"nonsense\"\n\n");
@@ -207,11 +247,13 @@ TEST(PositionFile, ReportsEveryLine) {
         file << std::string(127 + 5, 'x') << '\n';
     }
     const std::string split =
-        outputOf([&] { EXPECT_TRUE(runPositionFileTest(*board, path.c_str())); });
+        outputOf([&] { EXPECT_TRUE(runPositionFileTest(*board, path.c_str(), never)); });
     EXPECT_NE(split.find("no. 2 for FEN:\nxxxxx\n\n"), std::string::npos) << split;
     std::remove(path.c_str());
-    EXPECT_EQ(outputOf([&] { EXPECT_FALSE(runPositionFileTest(*board, path.c_str())); }),
+    EXPECT_EQ(outputOf([&] { EXPECT_FALSE(runPositionFileTest(*board, path.c_str(), never)); }),
               "# ERROR: failed to open file \"" + path + "\" for reading\n");
+    EXPECT_EQ(outputOf([&] { EXPECT_FALSE(runPositionFileTest(*board, "/", never)); }),
+              "# ERROR: failed to open file \"/\" for reading\n");
 }
 
 }  // namespace

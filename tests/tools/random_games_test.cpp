@@ -12,10 +12,10 @@
 namespace vatro {
 namespace {
 
-std::string outputOf(unsigned long games) {
+std::string outputOf(unsigned long games, StopCheck stop = {}) {
     const auto game = std::make_unique<Game>();
     testing::internal::CaptureStdout();
-    playRandomGames(*game, games);
+    playRandomGames(*game, games, stop);
     std::string text = testing::internal::GetCapturedStdout();
     EXPECT_EQ(game->plyCount, 0U);
     EXPECT_EQ(game->board.toFEN(), startPositionFEN);
@@ -63,6 +63,16 @@ TEST(RandomGames, MarksTheProgress) {
         std::getline(lines, line);
         EXPECT_EQ(line, std::string(expected, '#'));
     }
+}
+
+TEST(RandomGames, GiveTheStatisticsOfThoseThatWerePlayed) {
+    int questions = 0;
+    const std::string output = outputOf(20, StopCheck([&] { return ++questions == 3; }));
+    EXPECT_TRUE(
+        output.starts_with("# Playing 20 random games ...\n###\n# interrupted\n"
+                           "calculate average values ...\n"
+                           "Total games:                                 3\n"))
+        << output;
 }
 
 }  // namespace

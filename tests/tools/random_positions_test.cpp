@@ -96,7 +96,8 @@ TEST(RandomPositions, AreWrittenOneALine) {
     std::srand(31);
     const std::string path = testing::TempDir() + "vatro_random.fen";
     testing::internal::CaptureStdout();
-    ASSERT_TRUE(writeRandomPositions(10, path.c_str()));
+    StopCheck never;
+    ASSERT_TRUE(writeRandomPositions(10, path.c_str(), never));
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "Wrote 10 random FENs to file \"" + path + "\"\n");
     std::ifstream file(path);
@@ -109,14 +110,22 @@ TEST(RandomPositions, AreWrittenOneALine) {
     std::remove(path.c_str());
 
     testing::internal::CaptureStdout();
-    ASSERT_TRUE(writeRandomPositions(3, nullptr));
+    ASSERT_TRUE(writeRandomPositions(3, nullptr, never));
     const std::string output = testing::internal::GetCapturedStdout();
     EXPECT_EQ(std::count(output.begin(), output.end(), '\n'), 3);
 
     testing::internal::CaptureStdout();
-    EXPECT_FALSE(writeRandomPositions(3, testing::TempDir().c_str()));
+    EXPECT_FALSE(writeRandomPositions(3, testing::TempDir().c_str(), never));
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "# ERROR: failed to open file \"" + testing::TempDir() + "\" for writing");
+
+    int questions = 0;
+    StopCheck stop([&questions] { return ++questions == 4; });
+    testing::internal::CaptureStdout();
+    ASSERT_TRUE(writeRandomPositions(1000000, nullptr, stop));
+    const std::string cut = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(std::count(cut.begin(), cut.end(), '\n'), 5);
+    EXPECT_TRUE(cut.ends_with("\n# interrupted\n")) << cut;
 }
 
 }  // namespace

@@ -6,11 +6,27 @@
 namespace vatro {
 namespace {
 
-TEST(SelfTest, PassesEveryRow) {
+TEST(SelfTest, WhatIsStoppedIsNoRow) {
+    const auto board = std::make_unique<Board_0x88>();
+    PerftHashTable table(1);
+    int questions = 0;
+    StopCheck stop([&questions] { return ++questions > 1; });  // the third row asks once
+    testing::internal::CaptureStdout();
+    ASSERT_TRUE(runSelfTest(*board, table, stop));
+    const std::string output = testing::internal::GetCapturedStdout();
+    EXPECT_NE(output.find("# Self-test no. 3 passed"), std::string::npos) << output;
+    EXPECT_NE(
+        output.find("\n# interrupted\n3 tests passed, 0 tests failed, 0 tests skipped, total 3"),
+        std::string::npos)
+        << output;
+}
+
+TEST(SelfTestInFull, PassesEveryRow) {
     const auto board = std::make_unique<Board_0x88>();
     PerftHashTable table;
+    StopCheck never;
     testing::internal::CaptureStdout();
-    ASSERT_TRUE(runSelfTest(*board, table));
+    ASSERT_TRUE(runSelfTest(*board, table, never));
     const std::string output = testing::internal::GetCapturedStdout();
     EXPECT_EQ(output.rfind("# new size of Perft hash: 64 MB\n", 0), 0U) << "and only once";
     EXPECT_EQ(output.find("new size", 10), std::string::npos);
