@@ -12,7 +12,6 @@
 #include <system_error>
 #include <utility>
 
-#include "base/random.h"
 #include "base/regular_file.h"
 #include "book/book_move.h"
 
@@ -131,13 +130,13 @@ bool collectRun(const BookFile& file,
 }
 
 /// Draws in proportion to the weights. The first entry when all of them are 0.
-const BookEntry& drawEntry(const Candidates& candidates) {
+const BookEntry& drawEntry(const Candidates& candidates, Random& random) {
     const BookEntry* entry = candidates.entries;
     std::uint32_t total = 0;
     for (unsigned i = 0; i < candidates.count; ++i)
         total += entry[i].weight;
     if (total == 0) return *entry;
-    std::uint32_t rest = randomBelow(total);
+    std::uint32_t rest = random.below(total);
     while (rest >= entry->weight)
         rest -= (entry++)->weight;
     return *entry;
@@ -169,7 +168,7 @@ std::string PolyglotBook::path() const {
     return filePath;
 }
 
-bool PolyglotBook::probe(const Board_0x88& board, Move& move, std::string& error) {
+bool PolyglotBook::probe(const Board_0x88& board, Random& random, Move& move, std::string& error) {
     error.clear();
     std::string currentPath;
     std::int64_t count = 0;
@@ -191,7 +190,7 @@ bool PolyglotBook::probe(const Board_0x88& board, Move& move, std::string& error
                          collectRun(file, found + 1, 1, count, key, candidates);
     // The file may have been replaced between the search and the second look at the entry.
     if (!readAll || candidates.count == 0) return false;
-    move = fromBookMove(board, drawEntry(candidates).move);
+    move = fromBookMove(board, drawEntry(candidates, random).move);
     return move != NoMove;
 }
 

@@ -1,7 +1,6 @@
 // engine/start_up.cpp - the start of the program, up to the command loop, and its end.
 //
 // The start must be quick: an interface waits only seconds for the answer to "protover".
-#include <chrono>
 #include <cstdlib>
 
 #include "base/console.h"
@@ -17,16 +16,6 @@ namespace {
 // File descriptors; fixed by POSIX and by Windows' C library.
 constexpr int StandardInput = 0;
 constexpr int StandardOutput = 1;
-
-/// Random games, random positions and the choice of book moves differ from run to run.
-void seedRandomGenerator() {
-    using std::chrono::milliseconds;
-    const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
-    const auto total =
-        static_cast<std::uint64_t>(std::chrono::duration_cast<milliseconds>(sinceEpoch).count());
-    constexpr std::uint64_t MillisecondsPerDay = 86'400'000;
-    std::srand(static_cast<std::uint32_t>((total % MillisecondsPerDay) * (total / 1000)));
-}
 
 void printBanner() {
     say(std::string("# ") + ProgramTitle +
@@ -61,7 +50,6 @@ int WBEngine::run(const Args& commandLine) {
 }
 
 void WBEngine::startUp(const Args& commandLine) {
-    seedRandomGenerator();
     readConfiguration("vatro.ini", player);
     printBanner();
     applyCommandLine(commandLine, player);
