@@ -6,10 +6,10 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <memory>
 #include <utility>
 
 #include "base/console.h"
+#include "base/regular_file.h"
 #include "board/attacks.h"
 #include "board/side.h"
 
@@ -241,8 +241,7 @@ std::string randomPositionFEN(Random& random) {
 }
 
 bool writeRandomPositions(int count, const char* path, Random& random, StopCheck& stop) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
-        path ? std::fopen(path, "w") : nullptr, &std::fclose);
+    const FileHandle file = path ? createFile(path) : nullptr;
     if (path && !file) {
         say(formatted("# ERROR: failed to open file \"%s\" for writing", path));
         return false;
