@@ -63,13 +63,13 @@ File::Claim File::claim(const std::string& path) {
         return isFolder ? Claim::NotPlain : Claim::Failed;
     }
     BY_HANDLE_FILE_INFORMATION facts{};
-    const HANDLE handle = handleOf(opened.handle);
-    if (GetFileType(handle) != FILE_TYPE_DISK || !GetFileInformationByHandle(handle, &facts) ||
+    const HANDLE file = handleOf(opened.handle);
+    if (GetFileType(file) != FILE_TYPE_DISK || !GetFileInformationByHandle(file, &facts) ||
         (facts.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 || facts.nNumberOfLinks > 1) {
         return Claim::NotPlain;
     }
     *this = std::move(opened);
-    if (SetEndOfFile(handle)) return Claim::Held;  // the position is that of a file just opened: 0
+    if (SetEndOfFile(file)) return Claim::Held;  // the position is that of a file just opened: 0
     setErrno(GetLastError());
     return Claim::Failed;
 }

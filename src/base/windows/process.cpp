@@ -5,7 +5,6 @@
 #include <bit>
 #include <limits>
 #include <memory>
-#include <shellapi.h>
 
 #include "base/windows/system.h"
 

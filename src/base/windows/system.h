@@ -1,12 +1,12 @@
 // base/windows/system.h - the calls of Windows, with names and errors as the engine has them.
 #pragma once
 
+#include <string>
+#include <string_view>
+
 #ifndef NOMINMAX
 #define NOMINMAX
 #endif
-#define WIN32_LEAN_AND_MEAN
-#include <string>
-#include <string_view>
 #include <windows.h>
 
 namespace vatro {
