@@ -84,8 +84,9 @@ lines_come_at_once() {
 }
 
 # The tests of sessions with the engine, but for those that ask for what Windows does not have: limits
-# set by a shell, pipes and devices in folders, and telling that nobody reads the output any more.
+# set by a shell, pipes and devices in folders, a signal when nobody reads the output any more.
 skipped='Limits.*:StartUp.TakesNoConfigurationButFromARegularFile'
+skipped+=':DuringSearch.TheProgramEndsWhenNobodyReadsItsOutput'
 protocol() {
     (cd "$work" && VATRO_PROGRAM=$work/vatro VATRO_PATIENCE_MS=60000 \
         "$linux/protocol_tests" --gtest_filter="${VATRO_TRY_TESTS:-*}:-$skipped")

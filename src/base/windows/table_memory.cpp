@@ -3,13 +3,15 @@
 // Large pages are for users with a privilege that nobody has by default, so they are not requested.
 #include "base/table_memory.h"
 
+#include <algorithm>
+
 #include "base/windows/system.h"
 
 namespace vatro {
 
 TableMemory::TableMemory(std::size_t bytes) {
-    block = VirtualAlloc(nullptr, bytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
-    blockSize = bytes;
+    blockSize = std::max<std::size_t>(bytes, 1);  // a block of no bytes would be refused
+    block = VirtualAlloc(nullptr, blockSize, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
     aligned = block;
 }
 
