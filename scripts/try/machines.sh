@@ -16,7 +16,7 @@ need cmake has_program cmake
 need make has_program make
 need qemu-user has_program qemu-aarch64
 for machine in $machines; do
-    need g++-$machine-linux-gnu has_program $machine-linux-gnu-g++
+    need "g++-$machine-linux-gnu" has_program "$machine-linux-gnu-g++"
 done
 install_missing
 if [ -z "$VATRO_LINUX" ]; then
@@ -83,7 +83,7 @@ answers() {
 }
 
 same_answers() {
-    answers $run "$build/vatro" > "$work/theirs"
+    answers "$run" "$build/vatro" > "$work/theirs"
     cat "$work/theirs"
     [ "$(grep -c '^move' "$work/theirs")" = 4 ] && diff "$work/ours" "$work/theirs"
 }
@@ -94,7 +94,9 @@ self_test() {
 }
 
 same_nodes() {
-    [ "$($run "$build/signature" 6 | cut -d, -f1)" = "$("$linux/signature" 6 | cut -d, -f1)" ]
+    "$linux/signature" 6 | cut -d, -f1 > "$work/our-nodes"
+    $run "$build/signature" 6 | cut -d, -f1 | tee "$work/their-nodes"
+    grep -q " nodes" "$work/our-nodes" && cmp "$work/our-nodes" "$work/their-nodes"
 }
 
 same_table() {
@@ -116,15 +118,15 @@ for machine in $machines; do
         i686) debian=i386 run=qemu-i386 ;;
     esac
     build=${VATRO_BUILDS:-$source}/build-$machine
-    [ -d "$build/zlib/usr" ] || get_zlib $debian "$build/zlib"
+    [ -d "$build/zlib/usr" ] || get_zlib "$debian" "$build/zlib"
     cmake -S . -B "$build" -DCMAKE_TOOLCHAIN_FILE="$source/cmake/$machine.cmake" \
         -DVATRO_ZLIB="$build/zlib" -DVATRO_ARCH= -DVATRO_LTO=OFF -DVATRO_WERROR=ON
     cmake --build "$build" --parallel "$(getconf _NPROCESSORS_ONLN)" \
         --target vatro vatro-tbgen signature
-    check $machine "selftest" self_test
-    check $machine "the same nodes" same_nodes
-    check $machine "the same table and book moves" same_answers
-    check $machine "the same table files" same_table
+    check "$machine" "selftest" self_test
+    check "$machine" "the same nodes" same_nodes
+    check "$machine" "the same table and book moves" same_answers
+    check "$machine" "the same table files" same_table
 done
 
 [ $failures = 0 ] || echo "$failures of the trials failed"

@@ -128,15 +128,15 @@ replacing() {
     exec 5> "$work/commands"
     printf '%s\n' xboard "egtpath gaviota Z:$tables" \
         "setboard 8/8/8/3k4/8/8/3P4/3K4 w - - 0 1" "sd 8" go >&5
-    wait_for "^move" "$work/replacing"
+    wait_for "^move" "$work/replacing" || return 1
     # Damaged, so that it is made again.
     printf 'x' | dd of="$tables/KPK.gtb.cp4" bs=1 seek=1000 conv=notrunc
-    "$work/vatro-tbgen" KPK --out "Z:$tables"
-    cmp "$work/tables/KPK.gtb.cp4" "$tables/KPK.gtb.cp4"
+    "$work/vatro-tbgen" KPK --out "Z:$tables" &&
+        cmp "$work/tables/KPK.gtb.cp4" "$tables/KPK.gtb.cp4" || return 1
     printf '%s\n' new "setboard 8/8/8/3k4/8/8/3P4/3K4 w - - 0 1" go "ping 7" quit >&5
     exec 5>&-
     wait $engine && grep -q "^pong 7" "$work/replacing" &&
-        [ "$(ls "$tables" | grep -cvE '^[KQRBNP]+\.gtb\.cp4$')" = 0 ]
+        [ -z "$(find "$tables" -type f ! -name '*.gtb.cp4')" ]
 }
 
 interrupt() {
