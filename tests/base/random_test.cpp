@@ -12,6 +12,7 @@ namespace {
 TEST(Random, GivesTheSameNumbersOnEverySystem) {
     Random random(0);
     std::vector<unsigned> drawn;
+    drawn.reserve(4);
     for (int i = 0; i < 4; ++i) {
         drawn.push_back(random.below(1000000));
     }
