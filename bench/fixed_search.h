@@ -49,9 +49,15 @@ struct SearchRecord final : SearchInterface, SearchReporter {
         lines.clear();
         refusedMoves.clear();
         stop.reset();
+        looksAtClock = 0;
     }
 
-    bool timeout() override { return false; }
+    unsigned looksAtClock = 0;
+
+    bool timeout() override {
+        ++looksAtClock;
+        return false;
+    }
     void printThinking(unsigned depth, int score, const PrincipalVariation& line) override {
         lines.push_back({depth, score, {line.moves, line.moves + line.length}});
     }

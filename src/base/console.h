@@ -5,7 +5,6 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
 #include <string_view>
 
 namespace vatro {
@@ -18,6 +17,9 @@ bool outputIsTerminal();
 /// nobody reads the descriptor `output` any more, so far as the system can tell (-1: not watched).
 int readInput(int descriptor, int output, char* to, std::size_t size);
 
+/// Standard input is a terminal, where somebody types.
+bool inputIsTerminal();
+
 /// Writes the text in one call and flushes it, complete lines or not.
 void say(std::string_view text);
 /// Writes the text in one call, and flushes it when it holds a line end.
@@ -26,12 +28,5 @@ void write(std::string_view text);
 /// Says that there is no memory and ends the process with a failure status, without tidying up.
 /// Any thread.
 [[noreturn]] void endWithoutMemory();
-
-/// The text that printf would print.
-#if defined(__GNUC__)
-[[gnu::format(printf, 1, 2)]]
-#endif
-std::string
-formatted(const char* format, ...);
 
 }  // namespace vatro

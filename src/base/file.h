@@ -48,8 +48,8 @@ class File {
     /// Bytes. Nothing for what is no regular file.
     std::optional<std::uint64_t> size() const;
 
-    /// Reads `size` bytes from position `at`. False when that fails and, with errno 0, when the file
-    /// ends before. Any number of threads at once.
+    /// Reads `size` bytes from position `at`. False when that fails and, with errno 0, when the
+    /// file ends before. Any number of threads at once.
     [[nodiscard]] bool readAt(std::uint64_t at, void* to, std::size_t size) const;
     [[nodiscard]] bool writeAt(std::uint64_t at, const void* from, std::size_t size);
     /// Waits until all that was written is on the disk.

@@ -1,8 +1,10 @@
-// base/text.cpp - splitting and joining, trimming, reading numbers.
+// base/text.cpp - splitting and joining, trimming, reading numbers, formatting.
 #include "base/text.h"
 
 #include <algorithm>
+#include <cstdarg>
 #include <cstdint>
+#include <cstdio>
 #include <limits>
 
 namespace vatro {
@@ -64,5 +66,18 @@ std::string_view trimLine(std::string_view line) {
 std::string_view trimBlanks(std::string_view text) { return trim(text, " "); }
 
 std::string_view trimBlanksAndTabs(std::string_view text) { return trim(text, " \t"); }
+
+std::string formatted(const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    va_end(arguments);
+    std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+    std::vsnprintf(text.data(), text.size() + 1, format, again);
+    va_end(again);
+    return text;
+}
 
 }  // namespace vatro

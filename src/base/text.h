@@ -1,4 +1,4 @@
-// base/text.h - cutting input text into lines, words and numbers.
+// base/text.h - cutting input text into lines, words and numbers; formatting output text.
 #pragma once
 
 #include <string>
@@ -27,5 +27,12 @@ std::string_view trimBlanks(std::string_view text);
 
 /// The same for spaces and tabs.
 std::string_view trimBlanksAndTabs(std::string_view text);
+
+/// The text that printf would print.
+#if defined(__GNUC__)
+[[gnu::format(printf, 1, 2)]]
+#endif
+std::string
+formatted(const char* format, ...);
 
 }  // namespace vatro

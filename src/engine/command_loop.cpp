@@ -7,6 +7,7 @@
 #include "base/console.h"
 #include "base/text.h"
 #include "engine/command_table.h"
+#include "engine/help.h"
 #include "engine/unlocked.h"
 
 namespace vatro {
@@ -34,9 +35,9 @@ bool hasFormOfMove(std::string_view word) {
 }  // namespace
 
 void WBEngine::runCommandLoop() {
-    bool promptDue = true;  // a wake-up between two lines shows no second prompt
+    bool promptDue = true;  // one for each line
     while (!quitRequested) {
-        if (promptDue) showPrompt();
+        if (promptDue) promptDue = !showPrompt();
         InputLine line;
         switch (input->next(line)) {
             case InputQueue::Event::Line:
@@ -45,7 +46,6 @@ void WBEngine::runCommandLoop() {
                 break;
             case InputQueue::Event::Woken:
                 continueAutoPlay();
-                promptDue = false;
                 break;
             case InputQueue::Event::End:
                 handleEndOfInput();
@@ -54,10 +54,12 @@ void WBEngine::runCommandLoop() {
     }
 }
 
-void WBEngine::showPrompt() {
+bool WBEngine::showPrompt() {
     const std::lock_guard held(gameLock);
     if (boardChanged) printBoard();
+    if (helpsUser() && player.isSearching()) return false;
     if (!xboardMode) say("# Your move: ");
+    return true;
 }
 
 void WBEngine::handleLine(const InputLine& line) {
@@ -95,7 +97,10 @@ void WBEngine::runCommand(const std::string& line) {
         entry = findCommand("usermove");
         args = {line};
     }
-    if (!entry) return;  // ignored: interfaces send commands that we do not know
+    if (!entry) {  // interfaces send commands that we do not know
+        if (helpsUser()) say(line == "help" ? helpText() : unknownWordText(line.substr(0, blank)));
+        return;
+    }
     if (checkAndRun(*entry, args, line)) return;
     say("# command \"" + line + "\" returned an error code \n");
 }

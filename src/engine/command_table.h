@@ -13,6 +13,7 @@ enum DuringSearch {
 
 struct CommandEntry {
     std::string_view name;
+    const char* summary;        // for "help"; see there for its length
     WBEngine::Handler handler;  // false: the loop reports that the command has failed
     unsigned minArgs;
     unsigned maxArgs;

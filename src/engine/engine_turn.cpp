@@ -3,6 +3,7 @@
 
 #include "base/console.h"
 #include "board/move_generation.h"
+#include "engine/help.h"
 #include "engine/wb_engine.h"
 
 namespace vatro {
@@ -58,6 +59,7 @@ void WBEngine::checkForResult() {
         if (result == GameResult::Open) return;
         gameOver = true;
         say(resultLine(result));
+        if (helpsUser()) say(endOfGameText);
     }
     endGame();
 }

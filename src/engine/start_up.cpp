@@ -39,6 +39,7 @@ WBEngine::~WBEngine() {
 
 int WBEngine::run(const Args& commandLine) {
     setUpConsole();
+    atTerminal = inputIsTerminal();
     // Before the tables, which can do with less memory than its stack.
     if (!startInputReader(input, StandardInput, StandardOutput)) {
         say("# ERROR: no thread for the input\n");

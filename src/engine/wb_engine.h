@@ -51,7 +51,8 @@ class WBEngine final : public EngineInterface {
 
   private:
     // --- The loop's steps. Each takes `gameMutex` itself if it needs it. ---
-    void showPrompt();
+    /// False when the prompt has to wait for the end of a search.
+    bool showPrompt();
     void handleLine(const InputLine& line);
     void continueAutoPlay();
     void handleEndOfInput();
@@ -74,6 +75,8 @@ class WBEngine final : public EngineInterface {
     /// Plays a legal move in the game.
     void append(Move move);
     void finishTakingBack();
+    /// Somebody types the commands and reads the answers. Scripts and interfaces use a pipe.
+    bool helpsUser() const { return atTerminal && !xboardMode; }
     /// For a run that begins now: "quit" or the end of input stops it, unless it came with the
     /// command. A script that sends all its lines at once gets whole answers.
     StopCheck stopCheck() const;
@@ -126,6 +129,7 @@ class WBEngine final : public EngineInterface {
     bool forceMode = false;         // the engine only records moves
     bool boardChanged = true;       // since it was last printed
     bool xboardMode = false;        // an interface is connected: no prompts
+    bool atTerminal = false;        // standard input is one
     bool positionAnalysed = false;  // by a search without limits, which runs or has ended by itself
     bool analyzeMode = false;       // the engine searches every position and plays nothing
     bool autoPlay = false;          // the engine plays both sides

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/console.h"
+#include "base/text.h"
 #include "search/principal_variation.h"
 #include "search/time_control.h"
 

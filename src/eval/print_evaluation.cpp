@@ -4,7 +4,7 @@
 // be the sum of the column.
 #include "eval/print_evaluation.h"
 
-#include "base/console.h"
+#include "base/text.h"
 #include "eval/evaluate.h"
 
 namespace vatro {

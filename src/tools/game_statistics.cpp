@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "base/console.h"
+#include "base/text.h"
 
 namespace vatro {
 namespace {

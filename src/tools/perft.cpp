@@ -4,6 +4,7 @@
 #include <cassert>
 
 #include "base/console.h"
+#include "base/text.h"
 #include "board/make_move.h"
 #include "board/move_generation.h"
 #include "board/side.h"

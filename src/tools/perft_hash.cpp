@@ -2,6 +2,7 @@
 #include "tools/perft_hash.h"
 
 #include "base/console.h"
+#include "base/text.h"
 
 namespace vatro {
 

@@ -8,6 +8,7 @@
 
 #include "base/console.h"
 #include "base/regular_file.h"
+#include "base/text.h"
 
 namespace vatro {
 namespace {

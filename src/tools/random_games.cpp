@@ -7,6 +7,7 @@
 #include <string>
 
 #include "base/console.h"
+#include "base/text.h"
 #include "board/draw.h"
 #include "tools/game_statistics.h"
 #include "tools/random_move.h"

@@ -10,6 +10,7 @@
 
 #include "base/console.h"
 #include "base/regular_file.h"
+#include "base/text.h"
 #include "board/attacks.h"
 #include "board/side.h"
 

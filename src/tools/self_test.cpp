@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "base/console.h"
+#include "base/text.h"
 #include "tools/perft.h"
 
 namespace vatro {

@@ -10,6 +10,7 @@
 #include <poll.h>
 #include <stdexcept>
 #include <sys/wait.h>
+#include <termios.h>
 #include <thread>
 #include <unistd.h>
 #include <utility>
@@ -25,6 +26,21 @@ constexpr std::size_t LoggedLineBytes = 200;  // of what is sent at once
 void openPipe(int (&ends)[2]) {
     // Closed on exec, so that another child does not keep this one's input open.
     if (::pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
+}
+
+/// The end that is typed at, and the one that the program reads, as of a pipe.
+void openTerminal(int (&ends)[2]) {
+    ends[1] = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (ends[1] < 0 || ::grantpt(ends[1]) != 0 || ::unlockpt(ends[1]) != 0) {
+        throw std::runtime_error("no terminal");
+    }
+    ends[0] = ::open(::ptsname(ends[1]), O_RDWR | O_NOCTTY | O_CLOEXEC);  // NOLINT: one thread
+    termios settings{};
+    if (ends[0] < 0 || ::tcgetattr(ends[0], &settings) != 0) {
+        throw std::runtime_error("no terminal");
+    }
+    settings.c_lflag &= ~static_cast<tcflag_t>(ECHO);  // nobody would read it
+    ::tcsetattr(ends[0], TCSANOW, &settings);
 }
 
 void closeEnd(int& end) {
@@ -49,7 +65,9 @@ const ChildProcess::Duration ChildProcess::Patience = [] {
     return Duration(given ? std::atoi(given) : 30000);
 }();
 
-ChildProcess::ChildProcess(const std::vector<std::string>& argv, const std::string& directory) {
+ChildProcess::ChildProcess(const std::vector<std::string>& argv,
+                           const std::string& directory,
+                           Input inputKind) {
     std::signal(SIGPIPE, SIG_IGN);
     std::vector<char*> words;
     words.reserve(argv.size() + 1);
@@ -60,7 +78,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& argv, const std::stri
     std::string sanitizerOptions = threadSanitizerOptions();
     int toChild[2];
     int fromChild[2];
-    openPipe(toChild);
+    inputKind == Input::Terminal ? openTerminal(toChild) : openPipe(toChild);
     openPipe(fromChild);
     process = ::fork();
     if (process < 0) throw std::runtime_error("no process");

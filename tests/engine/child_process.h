@@ -1,4 +1,5 @@
-// tests/engine/child_process.h - a program run as a chess interface runs it: through two pipes.
+// tests/engine/child_process.h - a program run as a chess interface runs it: through two pipes. Or
+// by a user who types at a terminal.
 //
 // The test fails unless the program ends as it should, whatever else the test looks at.
 #pragma once
@@ -19,8 +20,12 @@ class ChildProcess {
     /// How long any answer may take: enough for a busy machine and sanitizers.
     static const Duration Patience;
 
+    enum class Input { Pipe, Terminal };
+
     /// Starts argv[0] in the directory.
-    ChildProcess(const std::vector<std::string>& argv, const std::string& directory);
+    ChildProcess(const std::vector<std::string>& argv,
+                 const std::string& directory,
+                 Input inputKind = Input::Pipe);
     /// Tells the program to quit, waits for its end and fails the test unless it ended only then
     /// and with the expected status. Kills it, which is a failure too, when it does not end.
     ~ChildProcess();

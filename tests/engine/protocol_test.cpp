@@ -104,7 +104,7 @@ TEST(CommandLoop, ObeysALastLineWithoutLineFeed) {
 }
 
 TEST(CommandLoop, PromptsAUserBeforeEachLine) {
-    Session session({}, smallTables, true);
+    Session session({}, smallTables, Session::Client::UserOnPipe);
     session.process.readUntil("# Your move: ");
     session.send("ping 1");
     EXPECT_EQ("pong 1\n# Your move: ", session.process.readUntil("move: "));

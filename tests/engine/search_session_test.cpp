@@ -101,6 +101,21 @@ TEST(DuringSearch, TheProgramEndsWhenNobodyReadsItsOutput) {
     EXPECT_TRUE(session.process.waitForExit());
 }
 
+TEST(SearchStops, AreExplained) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"k7/8/8/8/8/8/6q1/7K w - - 0 1", "# forced move: h1g2"},
+        {"7k/8/6K1/8/8/8/8/R7 w - - 0 1", "# forced mate in 1 plies: a1a8"},
+        {"7k/7p/5K2/8/8/8/8/6R1 b - - 0 1", "# getting mated in "},
+    };
+    for (const auto& [fen, reason] : cases) {
+        Session session;
+        session.send(std::string("setboard ") + fen + "\ngo");
+        session.nextLine(reason);
+        session.nextMove();
+        session.answersTo("");
+    }
+}
+
 /// Commands in any order at any moment. What they leave is checked by a game after them.
 class ThrownCommands : public testing::TestWithParam<unsigned> {};
 

@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include "base/console.h"
+#include "base/text.h"
 #include "board/attacks.h"
 #include "board/draw.h"
 #include "board/game.h"

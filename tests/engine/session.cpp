@@ -59,9 +59,12 @@ void ScratchDirectory::writeFile(const std::string& name, std::string_view conte
     std::ofstream(path / name, std::ios::binary) << content;
 }
 
-Session::Session(const Lines& args, std::string_view configuration, bool asUser)
-    : process(programAndArgs(args), withFile(directory, configuration, directory.path.string())) {
-    if (!asUser) {
+Session::Session(const Lines& args, std::string_view configuration, Client client)
+    : process(programAndArgs(args),
+              withFile(directory, configuration, directory.path.string()),
+              client == Client::UserAtTerminal ? ChildProcess::Input::Terminal
+                                               : ChildProcess::Input::Pipe) {
+    if (client == Client::Interface) {
         send("xboard");
         allAnswersTo("");
     }

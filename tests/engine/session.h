@@ -40,10 +40,12 @@ std::string engineProgram();
 /// see ChildProcess.
 class Session {
   public:
-    /// In protocol mode unless `asUser`.
+    enum class Client { Interface, UserOnPipe, UserAtTerminal };
+
+    /// In protocol mode for an interface.
     explicit Session(const Lines& args = {},
                      std::string_view configuration = smallTables,
-                     bool asUser = false);
+                     Client client = Client::Interface);
 
     void send(const std::string& line) { process.send(line + '\n'); }
     /// What the engine says between the line and the answer to a ping after it, without comments.

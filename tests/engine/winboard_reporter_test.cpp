@@ -76,6 +76,10 @@ TEST_F(WinBoardReports, StopsNameTheirReason) {
     EXPECT_EQ(textOf({StopReason::ForcedMove, e2e4}), "# forced move: e2e4\n");
     EXPECT_EQ(textOf({StopReason::ForcedMate, a7a8q, 5}), "# forced mate in 5 plies: a7a8q\n");
     EXPECT_EQ(textOf({StopReason::GettingMated, e2e4, 4}), "# getting mated in 4 plies: e2e4\n");
+    EXPECT_EQ(textOf({StopReason::ForcedDraw, e2e4}), "# forced draw: e2e4\n");
+    EXPECT_EQ(textOf({StopReason::EasyMove, e2e4}), "# easy move: e2e4\n");
+    EXPECT_EQ(textOf({StopReason::NoTimeForMore, e2e4}),
+              "# probably not enough time left for another iteration\n");
     EXPECT_EQ(textOf({StopReason::Timeout}), "# timeout\n");
     EXPECT_EQ(textOf({StopReason::DepthLimit, e2e4}), "");
 }

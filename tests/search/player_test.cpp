@@ -136,6 +136,22 @@ TEST_F(Player, EndsByTheClockWithAllThreads) {
     EXPECT_EQ(reports.timesForMove, (std::vector<std::int32_t>{11, 16}));
 }
 
+TEST_F(Player, OutOfTheBookGetsMoreTimeUnlessTheSessionIsAboutToEnd) {
+    control.depthLimited = true;
+    control.maxDepth = 1;
+    control.movesPerSession = 9;
+    player->startSearch();
+    waitForEnd(1);
+    EXPECT_EQ(reports.timesForMove.size(), 1U);
+    EXPECT_TRUE(player->outOfBook);  // it is not made up for later
+    player->outOfBook = false;
+    control.movesPerSession = 10;
+    player->startSearch();
+    waitForEnd(2);
+    ASSERT_EQ(reports.timesForMove.size(), 3U);
+    EXPECT_EQ(reports.timesForMove[2], reports.timesForMove[1] * 3 / 2);
+}
+
 // The increments to come would allow 1.38 s.
 TEST_F(Player, PlansNoMoreThanTheClockHoldsAfterTheBookEither) {
     control.movesPerSession = 0;

@@ -6,30 +6,39 @@
 namespace vatro {
 namespace {
 
-struct Case {
+/// A time control in centiseconds, and how much of its time has been used.
+struct Clock {
+    std::uint32_t perSession, base, increment, elapsed;
+
+    void set(TimeControl& control) const {
+        control.movesPerSession = perSession;
+        control.baseTime = base;
+        control.increment = increment;
+        control.timeUsed = elapsed;
+    }
+};
+
+struct PlanCase {
     const char* why;
-    std::uint32_t perSession, base, increment, plyCount, elapsed;
-    std::uint32_t remainingMoves, sessions;
+    Clock clock;
+    std::uint32_t plyCount, remainingMoves, sessions;
     std::int32_t max;
 };
 
 TEST(TimePlan, SharesTheTimeUpToTheEndOfTheSession) {
-    const Case cases[] = {
-        {"first of forty moves", 40, 30000, 0, 0, 0, 40, 1, 675},
-        {"move 39", 40, 30000, 0, 76, 29000, 2, 1, 450},
-        {"the last move has 0.9 of what is left", 40, 30000, 0, 78, 29000, 1, 1, 900},
-        {"a new session begins", 40, 30000, 0, 80, 30000, 40, 2, 675},
-        {"one session for the game", 0, 6000, 100, 58, 5000, 32, 1, 199},
-        {"overdrawn", 0, 6000, 0, 58, 7000, 32, 1, -28},
-        {"absurd session length", 4294967295U, 100, 0, 0, 0, 4294967295U, 1, 0},
+    const PlanCase cases[] = {
+        {"first of forty moves", {40, 30000, 0, 0}, 0, 40, 1, 675},
+        {"move 39", {40, 30000, 0, 29000}, 76, 2, 1, 450},
+        {"the last move has 0.9 of what is left", {40, 30000, 0, 29000}, 78, 1, 1, 900},
+        {"a new session begins", {40, 30000, 0, 30000}, 80, 40, 2, 675},
+        {"one session for the game", {0, 6000, 100, 5000}, 58, 32, 1, 199},
+        {"overdrawn", {0, 6000, 0, 7000}, 58, 32, 1, -28},
+        {"absurd session length", {4294967295U, 100, 0, 0}, 0, 4294967295U, 1, 0},
     };
-    for (const Case& c : cases) {
+    for (const PlanCase& c : cases) {
         SCOPED_TRACE(c.why);
         TimeControl control;
-        control.movesPerSession = c.perSession;
-        control.baseTime = c.base;
-        control.increment = c.increment;
-        control.timeUsed = c.elapsed;
+        c.clock.set(control);
         const TimePlan plan = planTime(control, c.plyCount);
         EXPECT_EQ(plan.remainingMoves, c.remainingMoves);
         EXPECT_EQ(plan.sessions, c.sessions);
@@ -62,7 +71,8 @@ TEST(TimeControl, SettingTheClockLeavesTheTimeOfTheSearch) {
 
 struct ClockCase {
     const char* why;
-    std::uint32_t perSession, base, increment, plyCount, elapsed;
+    Clock clock;
+    std::uint32_t plyCount;
     std::optional<std::int32_t> told;
     unsigned helpers;
     std::int32_t planned;
@@ -71,27 +81,23 @@ struct ClockCase {
 
 TEST(ClockLimit, NoMoveMayTakeMoreThanTheClockHolds) {
     const ClockCase cases[] = {
-        {"the first increment is still to come", 0, 100, 100, 0, 0, {}, 0, 138, 97},
-        {"a plan within the clock stays", 0, 100, 100, 0, 0, {}, 0, 92, 92},
-        {"each helper takes its time to stop", 0, 100, 100, 0, 0, {}, 3, 138, 94},
-        {"the reserve is half of a short clock", 40, 100, 0, 0, 95, {}, 9, 50, 2},
-        {"of a single centisecond nothing is left", 40, 100, 0, 0, 99, {}, 0, 1, 0},
-        {"an overdrawn clock", 40, 100, 0, 0, 150, {}, 0, 5, 0},
-        {"an overdrawn plan stays", 40, 100, 0, 0, 150, {}, 0, -50, -50},
-        {"what was told counts, not the session", 40, 100, 0, 78, 0, 20, 0, 150, 17},
-        {"told more than the session has", 40, 100, 0, 0, 0, 5000, 0, 4000, 4000},
-        {"told before the opponent's move: the next session is not there yet", 40, 6000, 200, 79, 0,
-         10, 0, 5000, 7},
-        {"told nonsense", 40, 100, 0, 0, 0, -5, 0, 30, 0},
+        {"the first increment is still to come", {0, 100, 100, 0}, 0, {}, 0, 138, 97},
+        {"a plan within the clock stays", {0, 100, 100, 0}, 0, {}, 0, 92, 92},
+        {"each helper takes its time to stop", {0, 100, 100, 0}, 0, {}, 3, 138, 94},
+        {"the reserve is half of a short clock", {40, 100, 0, 95}, 0, {}, 9, 50, 2},
+        {"of a single centisecond nothing is left", {40, 100, 0, 99}, 0, {}, 0, 1, 0},
+        {"an overdrawn clock", {40, 100, 0, 150}, 0, {}, 0, 5, 0},
+        {"an overdrawn plan stays", {40, 100, 0, 150}, 0, {}, 0, -50, -50},
+        {"what was told counts, not the session", {40, 100, 0, 0}, 78, 20, 0, 150, 17},
+        {"told more than the session has", {40, 100, 0, 0}, 0, 5000, 0, 4000, 4000},
+        {"told before the opponent's last move", {40, 6000, 200, 0}, 79, 10, 0, 5000, 7},
+        {"told nonsense", {40, 100, 0, 0}, 0, -5, 0, 30, 0},
     };
     for (const ClockCase& c : cases) {
         SCOPED_TRACE(c.why);
         // On a busy machine a centisecond may pass between two lines.
         TimeControl control;
-        control.movesPerSession = c.perSession;
-        control.baseTime = c.base;
-        control.increment = c.increment;
-        control.timeUsed = c.elapsed;
+        c.clock.set(control);
         if (c.told) control.setTimeLeft(*c.told, c.plyCount);
         control.searchStartedAt = clockNow();
         control.timeForMove = c.planned;

@@ -3,7 +3,7 @@
 
 #include <sstream>
 
-#include "base/console.h"
+#include "base/text.h"
 #include "board/draw.h"
 #include "support.h"
 #include "tools/game_statistics.h"

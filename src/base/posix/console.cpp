@@ -9,6 +9,8 @@ namespace vatro {
 
 void setUpConsole() {}  // bytes pass through unchanged
 
+bool inputIsTerminal() { return ::isatty(STDIN_FILENO) != 0; }
+
 bool outputIsTerminal() { return ::isatty(STDOUT_FILENO) != 0; }
 
 int readInput(int descriptor, int output, char* to, std::size_t size) {
