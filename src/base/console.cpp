@@ -5,7 +5,6 @@
 #include <cstdlib>
 
 namespace vatro {
-
 namespace {
 
 void put(std::string_view text, bool mustFlush) {

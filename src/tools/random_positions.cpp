@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "base/console.h"
-#include "base/random.h"
 #include "base/regular_file.h"
 #include "base/text.h"
 #include "board/attacks.h"

@@ -18,7 +18,10 @@ void setUpConsole() {
     std::setvbuf(stdout, nullptr, _IOFBF, std::size_t{16} << 10);
 }
 
-bool inputIsTerminal() { return _isatty(_fileno(stdin)) != 0; }
+bool inputIsTerminal() {
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) != 0;
+}
 
 bool outputIsTerminal() {
     const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
