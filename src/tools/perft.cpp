@@ -86,6 +86,10 @@ std::uint64_t divideRoot(Board_0x88& board,
     return total;
 }
 
+std::uint64_t perSecond(std::uint64_t events, std::uint64_t centiseconds) {
+    return centiseconds ? events * 100 / centiseconds : 0;
+}
+
 std::string perftTotalsText(const PerftTotals& totals, const char* prefix) {
     const auto number = [](std::uint64_t value) { return static_cast<unsigned long long>(value); };
     return formatted("%sTotal leaves: %llu\n", prefix, number(totals.leaves)) +

@@ -38,9 +38,7 @@ std::uint64_t divideRoot(Board_0x88& board,
                          StopCheck& stop);
 
 /// Events per second, 0 for a time of 0.
-constexpr std::uint64_t perSecond(std::uint64_t events, std::uint64_t centiseconds) {
-    return centiseconds ? events * 100 / centiseconds : 0;
-}
+std::uint64_t perSecond(std::uint64_t events, std::uint64_t centiseconds);
 
 /// What a run has counted and how long it took.
 struct PerftTotals {

@@ -93,10 +93,7 @@ bool runSelfTest(Board_0x88& board, PerftHashTable& table, StopCheck& stop) {
         std::uint64_t nodes = 0;
         const std::uint64_t start = clockCs();
         const std::uint64_t leaves = perftCount(board, row.depth, table, nodes, stop);
-        if (stop.hasStopped()) {
-            say(InterruptedLine);
-            break;
-        }
+        if (stop.hasStopped()) break;
         const std::uint64_t elapsedCs = clockCs() - start;
         sums.leaves += leaves;
         sums.nodes += nodes;
@@ -104,6 +101,7 @@ bool runSelfTest(Board_0x88& board, PerftHashTable& table, StopCheck& stop) {
         ++(leaves == row.leaves ? sums.passed : sums.failed);
         say(rowText(row, leaves, nodes, elapsedCs));
     }
+    if (stop.hasStopped()) say(InterruptedLine);
     say(summaryText(sums));
     return true;
 }
