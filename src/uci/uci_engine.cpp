@@ -107,7 +107,7 @@ void UciEngine::runLine(std::string_view line) {
 void UciEngine::setDebug(const std::string& rest) { reporter.setDebug(rest == "on"); }
 
 void UciEngine::confirmReady(const std::string& /*rest*/) {
-    player.preparePlayer(false);  // while no clock runs
+    player.prepareFully();  // no clock runs yet
     say("readyok\n");
 }
 
