@@ -67,8 +67,9 @@ void probe(benchmark::State& state, const char* fen, bool isInBook) {
     PolyglotBook book(file.path);
     std::string error;
     Move move = NoMove;
+    Random random(1);
     for (auto _ : state) {
-        if (book.probe(board, move, error) != isInBook) state.SkipWithError("wrong answer");
+        if (book.probe(board, random, move, error) != isInBook) state.SkipWithError("wrong answer");
     }
 }
 

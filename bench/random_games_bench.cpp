@@ -215,15 +215,15 @@ bool isDrawn(const std::vector<PlainBoard>& line) {
     return false;
 }
 
-void playPlainGame(PlainStats& stats) {
+void playPlainGame(PlainStats& stats, vatro::Random& random) {
     std::vector<PlainBoard> line(1);
     while (line.size() < 1024) {
         const std::vector<PlainMove> moves = line.back().legalMoves();
         if (moves.empty()) return;
-        const auto draw = static_cast<std::size_t>(std::rand());
+        const auto draw = random.below(static_cast<unsigned>(moves.size()));
         line.push_back(line.back());
         PlainBoard& board = line.back();
-        board.make(moves[draw % moves.size()]);
+        board.make(moves[draw]);
         ++stats.positions;
         int counts[2] = {};
         for (int square = 0; square < 64; ++square) {
@@ -238,10 +238,10 @@ void playPlainGame(PlainStats& stats) {
 }
 
 void plainBoard(benchmark::State& state) {
-    std::srand(1);
+    vatro::Random random(1);
     const auto stats = std::make_unique<PlainStats>();
     while (state.KeepRunning()) {
-        playPlainGame(*stats);
+        playPlainGame(*stats, random);
     }
     state.SetItemsProcessed(state.iterations());  // games
     state.counters["plies"] =
@@ -251,11 +251,11 @@ BENCHMARK(plainBoard)->Iterations(1000)->Unit(benchmark::kMicrosecond);
 
 /// Prints its statistics; the report goes to standard error (or, with --benchmark_out, to a file).
 void randomGames(benchmark::State& state) {
-    std::srand(1);
+    vatro::Random random(1);
     const auto game = std::make_unique<vatro::Game>();
     vatro::StopCheck never;
     while (state.KeepRunning()) {
-        vatro::playRandomGames(*game, static_cast<unsigned long>(state.range(0)), never);
+        vatro::playRandomGames(*game, static_cast<unsigned long>(state.range(0)), random, never);
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }

@@ -65,12 +65,13 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     PolyglotBook book(file.path);
     std::string error;
     Move move = NoMove;
+    Random random(1);
     for (const char* fen : positions) {
         if (!board.setupFromFEN(fen)) std::abort();
-        if (book.probe(board, move, error) && !isLegalHere(board, move)) std::abort();
+        if (book.probe(board, random, move, error) && !isLegalHere(board, move)) std::abort();
     }
     // The file loses its second half after it has been counted.
     file.write(data, size / 2);
-    if (book.probe(board, move, error) && !isLegalHere(board, move)) std::abort();
+    if (book.probe(board, random, move, error) && !isLegalHere(board, move)) std::abort();
     return 0;
 }

@@ -1,3 +1,4 @@
+#!/bin/bash
 # scripts/try/common.sh - what the trials of clients share; sourced by them.
 #
 # A trial starts one client on a screen of its own, with a home folder of its own, lets it play with

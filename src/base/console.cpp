@@ -1,33 +1,24 @@
-// base/console.cpp - writing to standard output.
+// base/console.cpp - writing to standard output; posix/ and windows/ have the rest.
 #include "base/console.h"
 
 #include <cstdio>
 #include <cstdlib>
 
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
-
 namespace vatro {
+namespace {
 
-void setUpConsole() { std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ); }
-
-#ifdef _WIN32
-bool inputIsTerminal() { return ::_isatty(::_fileno(stdin)) != 0; }
-#else
-bool inputIsTerminal() { return ::isatty(STDIN_FILENO) != 0; }
-#endif
-
-void write(std::string_view text) {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) std::_Exit(EXIT_FAILURE);
+void put(std::string_view text, bool mustFlush) {
+    const bool isWritten = std::fwrite(text.data(), 1, text.size(), stdout) == text.size() &&
+                           (!mustFlush || std::fflush(stdout) == 0);
+    if (!isWritten) std::_Exit(EXIT_FAILURE);
 }
 
-void say(std::string_view text) {
-    write(text);
-    if (std::fflush(stdout) != 0) std::_Exit(EXIT_FAILURE);
-}
+}  // namespace
+
+void say(std::string_view text) { put(text, true); }
+
+// Not by a line-buffered stream, which Windows does not have.
+void write(std::string_view text) { put(text, text.find('\n') != std::string_view::npos); }
 
 void endWithoutMemory() {
     say("# ERROR: out of memory\n");

@@ -1,61 +1,14 @@
-// base/table_memory.cpp - allocating zeroed blocks: with large pages on Linux, plainly elsewhere.
+// base/table_memory.cpp - zeroing a block; posix/ and windows/ allocate it.
 #include "base/table_memory.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <thread>
-
-#if defined(__linux__)
-#include <sys/mman.h>
-#endif
 
 #include "base/system_thread.h"
 
 namespace vatro {
-
-#if defined(__linux__)
-
-namespace {
-constexpr std::size_t LargePage = std::size_t{2} << 20;  // bytes; the size on x86-64
-}
-
-TableMemory::TableMemory(std::size_t bytes) {
-    const std::size_t size = bytes + LargePage;
-    void* const memory =
-        mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (memory == MAP_FAILED) return;
-    block = memory;
-    blockSize = size;
-    std::size_t space = size;
-    aligned = memory;
-    std::align(LargePage, bytes, aligned, space);
-    madvise(aligned, bytes, MADV_HUGEPAGE);  // a hint: small pages work too
-}
-
-TableMemory::~TableMemory() {
-    if (block) munmap(block, blockSize);
-}
-
-#else
-
-namespace {
-constexpr std::size_t CacheLine = 64;  // bytes
-}
-
-TableMemory::TableMemory(std::size_t bytes) {
-    block = std::calloc(bytes + CacheLine, 1);
-    if (!block) return;
-    std::size_t space = bytes + CacheLine;
-    aligned = block;
-    std::align(CacheLine, bytes, aligned, space);
-}
-
-TableMemory::~TableMemory() { std::free(block); }
-
-#endif
 
 void TableMemory::zero(void* block, std::size_t bytes) {
     constexpr std::size_t MostThreads = 4;                    // these use up the memory's bandwidth

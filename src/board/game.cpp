@@ -3,7 +3,6 @@
 
 #include <cassert>
 
-#include "base/random.h"
 #include "board/make_move.h"
 
 namespace vatro {
@@ -27,9 +26,9 @@ void Game::takeBack() {
     unmakeMove(board, moveList[plyCount], undoList[plyCount]);
 }
 
-Move pickRandomMove(const MoveList& legalMoves) {
+Move pickRandomMove(const MoveList& legalMoves, Random& random) {
     if (legalMoves.count == 0) return NoMove;
-    return legalMoves.moves[randomBelow(legalMoves.count)].move;
+    return legalMoves.moves[random.below(legalMoves.count)].move;
 }
 
 }  // namespace vatro

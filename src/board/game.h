@@ -1,6 +1,7 @@
 // board/game.h - a game: the board and the moves that led to it.
 #pragma once
 
+#include "base/random.h"
 #include "board/board.h"
 #include "board/move.h"
 
@@ -28,6 +29,6 @@ struct Game {
 };
 
 /// One of the moves, each with the same chance. NoMove when there is none.
-Move pickRandomMove(const MoveList& legalMoves);
+Move pickRandomMove(const MoveList& legalMoves, Random& random);
 
 }  // namespace vatro

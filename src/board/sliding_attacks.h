@@ -11,7 +11,7 @@
 #include "board/types.h"
 
 // AMD's Zen 1 and 2 have the instructions, but one takes hundreds of cycles.
-#if defined(__BMI2__) && !defined(__znver1__) && !defined(__znver2__)
+#if defined(__x86_64__) && defined(__BMI2__) && !defined(__znver1__) && !defined(__znver2__)
 #include <immintrin.h>
 #define VATRO_PACKS_LINES 1
 #endif

@@ -6,14 +6,11 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
-#include <filesystem>
 #include <limits>
 #include <system_error>
 #include <utility>
 
-#include "base/random.h"
-#include "base/regular_file.h"
+#include "base/file.h"
 #include "book/book_move.h"
 
 namespace vatro {
@@ -45,25 +42,19 @@ std::uint64_t readBigEndian(const unsigned char* bytes, int size) {
     return value;
 }
 
-bool seekTo(std::FILE* file, std::int64_t offset) {
-#ifdef _WIN32
-    return _fseeki64(file, offset, SEEK_SET) == 0;
-#else
-    if (offset > std::numeric_limits<long>::max()) return false;
-    return std::fseek(file, static_cast<long>(offset), SEEK_SET) == 0;
-#endif
-}
-
 /// A book that is open for one probe.
 class BookFile {
   public:
     /// False when there is no regular file or it cannot be opened.
     [[nodiscard]] bool open(const std::string& path) {
-        file = openRegularFile(path);
-        if (!file) return false;
-        // A buffer would read 4096 bytes for each key that the search looks at.
-        std::setvbuf(file.get(), nullptr, _IONBF, 0);
-        return true;
+        file = File::openForReading(path);
+        return file.isOpen() && file.size();
+    }
+
+    /// Whole entries.
+    std::uint32_t entryCount() const {
+        constexpr std::uint64_t Most = std::numeric_limits<std::uint32_t>::max();
+        return static_cast<std::uint32_t>(std::min(file.size().value_or(0) / EntrySize, Most));
     }
 
     [[nodiscard]] bool readKey(std::int64_t index, Key& key) const {
@@ -84,11 +75,10 @@ class BookFile {
 
   private:
     bool read(std::int64_t index, unsigned char* bytes, std::size_t size) const {
-        return seekTo(file.get(), index * EntrySize) &&
-               std::fread(bytes, 1, size, file.get()) == size;
+        return file.readAt(static_cast<std::uint64_t>(index) * EntrySize, bytes, size);
     }
 
-    FileHandle file;
+    File file;
 };
 
 /// The index of an entry with the key, by binary search; -1 when there is none or the file cannot
@@ -99,7 +89,6 @@ std::int64_t findEntry(const BookFile& file, std::int64_t count, Key wanted, std
     while (low <= high) {
         const std::int64_t middle = (low + high + 1) / 2;
         Key key = 0;
-        errno = 0;
         if (!file.readKey(middle, key)) {
             if (errno != 0) error = std::generic_category().message(errno);
             return -1;
@@ -131,25 +120,22 @@ bool collectRun(const BookFile& file,
 }
 
 /// Draws in proportion to the weights. The first entry when all of them are 0.
-const BookEntry& drawEntry(const Candidates& candidates) {
+const BookEntry& drawEntry(const Candidates& candidates, Random& random) {
     const BookEntry* entry = candidates.entries;
     std::uint32_t total = 0;
     for (unsigned i = 0; i < candidates.count; ++i)
         total += entry[i].weight;
     if (total == 0) return *entry;
-    std::uint32_t rest = randomBelow(total);
+    std::uint32_t rest = random.below(total);
     while (rest >= entry->weight)
         rest -= (entry++)->weight;
     return *entry;
 }
 
-/// Whole entries in the file; 0 when it has no size, as a directory.
+/// 0 for what cannot be opened as a book.
 std::uint32_t countEntries(const std::string& path) {
-    std::error_code error;
-    const std::uintmax_t bytes = std::filesystem::file_size(path, error);
-    if (error) return 0;
-    constexpr std::uintmax_t Most = std::numeric_limits<std::uint32_t>::max();
-    return static_cast<std::uint32_t>(std::min(bytes / EntrySize, Most));
+    BookFile file;
+    return file.open(path) ? file.entryCount() : 0;
 }
 
 }  // namespace
@@ -169,7 +155,7 @@ std::string PolyglotBook::path() const {
     return filePath;
 }
 
-bool PolyglotBook::probe(const Board_0x88& board, Move& move, std::string& error) {
+bool PolyglotBook::probe(const Board_0x88& board, Random& random, Move& move, std::string& error) {
     error.clear();
     std::string currentPath;
     std::int64_t count = 0;
@@ -191,7 +177,7 @@ bool PolyglotBook::probe(const Board_0x88& board, Move& move, std::string& error
                          collectRun(file, found + 1, 1, count, key, candidates);
     // The file may have been replaced between the search and the second look at the entry.
     if (!readAll || candidates.count == 0) return false;
-    move = fromBookMove(board, drawEntry(candidates).move);
+    move = fromBookMove(board, drawEntry(candidates, random).move);
     return move != NoMove;
 }
 

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <string>
 
+#include "base/random.h"
 #include "board/board.h"
 
 namespace vatro {
@@ -32,7 +33,10 @@ class PolyglotBook {
     /// Draws a legal move of the position at random, in proportion to the weights. False when the
     /// book has none, or when the one drawn is illegal. `error` then holds the system's message if
     /// the file could not be read; otherwise it is empty.
-    [[nodiscard]] bool probe(const Board_0x88& board, Move& move, std::string& error);
+    [[nodiscard]] bool probe(const Board_0x88& board,
+                             Random& random,
+                             Move& move,
+                             std::string& error);
 
   private:
     mutable std::mutex mutex;  // guards the fields below; never held while the file is read

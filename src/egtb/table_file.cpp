@@ -5,9 +5,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <utility>
 
 #include <zlib.h>
@@ -17,24 +14,6 @@ namespace {
 
 // No block that zlib makes is longer: compressBound adds less than 1024 bytes to such a block.
 constexpr std::uint32_t MostCompressed = (1U << MaxBlockBits) + 1024;
-
-bool readFully(int descriptor, std::uint64_t at, std::uint8_t* to, std::size_t size) {
-    while (size > 0) {
-        const ssize_t got = pread(descriptor, to, size, static_cast<off_t>(at));
-        if (got < 0 && errno == EINTR) continue;
-        if (got <= 0) return false;
-        to += got;
-        at += static_cast<std::uint64_t>(got);
-        size -= static_cast<std::size_t>(got);
-    }
-    return true;
-}
-
-/// A descriptor, or -1 and errno.
-int openForReading(const std::string& path) {
-    // Without O_NONBLOCK a pipe of this name would block the engine.
-    return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-}
 
 /// Memory for zlib, so that it cannot run out of it: it asks for its state and, at most, for a
 /// window of 32 KB.
@@ -108,64 +87,43 @@ std::string OpenedTable::advice() const {
     return {};
 }
 
-/// An open file, until somebody else takes it over.
-class TableFile::Descriptor {
-  public:
-    explicit Descriptor(int openDescriptor) : descriptor(openDescriptor) {}
-    ~Descriptor() {
-        if (descriptor >= 0) close(descriptor);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    int get() const { return descriptor; }
-    int release() { return std::exchange(descriptor, -1); }
-
-  private:
-    int descriptor;
-};
-
-OpenedTable TableFile::openAndReadHeader(const Descriptor& descriptor, TableHeader& header) {
-    if (descriptor.get() < 0) return {nullptr, TableFault::CannotBeOpened, errno};
-    struct stat status {};
+OpenedTable TableFile::openAndReadHeader(const File& file, TableHeader& header) {
+    if (!file.isOpen()) return {nullptr, TableFault::CannotBeOpened, errno};
+    const auto size = file.size();
     HeaderBytes bytes;
-    const bool isFile = fstat(descriptor.get(), &status) == 0 && S_ISREG(status.st_mode);
-    if (!isFile || !readFully(descriptor.get(), 0, bytes.data(), bytes.size())) {
+    if (!size || !file.readAt(0, bytes.data(), bytes.size())) {
         // A file too short for a header does not show who wrote it, so it counts as foreign; but
         // nobody misses an empty one.
-        const bool isEmpty = isFile && status.st_size == 0;
-        return {nullptr, isEmpty ? TableFault::Damaged : TableFault::Foreign, 0};
+        return {nullptr, size == 0U ? TableFault::Damaged : TableFault::Foreign, 0};
     }
     const TableFault fault = decodeHeader(bytes, header);
     if (fault != TableFault::None) return {nullptr, fault, 0};
-    const bool isWhole = header.fileSize == static_cast<std::uint64_t>(status.st_size);
+    const bool isWhole = header.fileSize == *size;
     return {nullptr, isWhole ? TableFault::None : TableFault::Damaged, 0};
 }
 
 OpenedTable TableFile::readHeader(const std::string& path, TableHeader& header) {
-    return openAndReadHeader(Descriptor(openForReading(path)), header);
+    return openAndReadHeader(File::openForReading(path), header);
 }
 
 OpenedTable TableFile::open(const std::string& path) {
-    Descriptor descriptor(openForReading(path));
+    File file = File::openForReading(path);
     TableHeader header;
-    OpenedTable opened = openAndReadHeader(descriptor, header);
+    OpenedTable opened = openAndReadHeader(file, header);
     if (opened.fault != TableFault::None) return opened;
-    opened.table.reset(new TableFile(descriptor.release(), header));
+    opened.table.reset(new TableFile(std::move(file), header));
     if (opened.table->readIndex()) return opened;
     return {nullptr, TableFault::Damaged, 0};
 }
 
-TableFile::TableFile(int openDescriptor, const TableHeader& header)
-    : descriptor(openDescriptor), fields(header), positionNumbers(header) {}
-
-TableFile::~TableFile() { close(descriptor); }
+TableFile::TableFile(File openFile, const TableHeader& header)
+    : file(std::move(openFile)), fields(header), positionNumbers(header) {}
 
 bool TableFile::readIndex() {
     const std::uint64_t indexSize = std::uint64_t{fields.blockCount} * IndexEntrySize;
     if (fields.fileSize < HeaderSize + indexSize) return false;
     std::vector<std::uint8_t> bytes(indexSize);
-    if (!readFully(descriptor, HeaderSize, bytes.data(), bytes.size())) return false;
+    if (!file.readAt(HeaderSize, bytes.data(), bytes.size())) return false;
     // One call of crc32 takes the whole index: the largest is below 2^20 bytes.
     const auto checksum = crc32(0, bytes.data(), static_cast<uInt>(bytes.size()));
     if (checksum != fields.indexChecksum) return false;
@@ -207,7 +165,7 @@ bool TableFile::readBlock(std::uint32_t block, std::uint8_t* values) const {
 
 bool TableFile::readCompressed(std::uint32_t block, std::uint8_t* compressed) const {
     const auto length = static_cast<std::size_t>(blockStarts[block + 1] - blockStarts[block]);
-    return readFully(descriptor, blockStarts[block], compressed, length) &&
+    return file.readAt(blockStarts[block], compressed, length) &&
            crc32(0, compressed, static_cast<uInt>(length)) == blockChecksums[block];
 }
 

@@ -1,7 +1,7 @@
 // egtb/table_file.h - one open table: its block index in memory, its blocks on disk.
 //
-// Blocks are read with pread, which moves no shared file offset, so any number of threads may read
-// at the same time.
+// Blocks are read by their position, without an offset that readers share, so any number of threads
+// may read at the same time.
 #pragma once
 
 #include <atomic>
@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "base/file.h"
 #include "egtb/table_format.h"
 #include "egtb/table_numbers.h"
 
@@ -36,7 +37,6 @@ class TableFile {
     /// Reads the header of a file, and checks it and the file's size. `opened.table` stays null.
     [[nodiscard]] static OpenedTable readHeader(const std::string& path, TableHeader& header);
 
-    ~TableFile();
     TableFile(const TableFile&) = delete;
     TableFile& operator=(const TableFile&) = delete;
 
@@ -57,15 +57,13 @@ class TableFile {
     bool isBroken() const { return broken.load(std::memory_order_relaxed); }
 
   private:
-    class Descriptor;
-
-    TableFile(int descriptor, const TableHeader& header);
-    static OpenedTable openAndReadHeader(const Descriptor& descriptor, TableHeader& header);
+    TableFile(File openFile, const TableHeader& header);
+    static OpenedTable openAndReadHeader(const File& file, TableHeader& header);
     bool readIndex();
     bool readCompressed(std::uint32_t block, std::uint8_t* compressed) const;
     bool inflateBlock(std::uint32_t block, std::uint8_t* values) const;
 
-    int descriptor;
+    File file;
     TableHeader fields;
     TableNumbers positionNumbers;
     std::vector<std::uint64_t> blockStarts;  // file offsets, then the end of the last block

@@ -3,8 +3,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <dirent.h>
-#include <filesystem>
 #include <memory>
 #include <new>
 
@@ -38,23 +36,18 @@ TableSet::TableSet(const std::string& paths, std::size_t cacheBytes) {
 }
 
 void TableSet::addDirectory(const std::string& path) {
-    // Not std::filesystem's iterator, which ends the process where libstdc++ finds no memory.
-    const std::unique_ptr<DIR, int (*)(DIR*)> directory(::opendir(path.c_str()), &::closedir);
-    if (!directory) {
+    std::vector<std::string> names;
+    if (!listFolder(path, names)) {
         // A missing directory is a normal case; one that may not be read is worth a notice.
         if (errno == EACCES) notice(path + " cannot be read");
         return;
     }
-    std::vector<std::string> names;
-    while (const dirent* const entry = ::readdir(directory.get())) {
-        const std::string name = entry->d_name;
-        if (name.ends_with(TableSuffix)) names.push_back(name);
-    }
+    std::erase_if(names, [](const std::string& name) { return !name.ends_with(TableSuffix); });
     // Directories are listed in no particular order; sorted, the notice names the same file each
     // time.
     std::sort(names.begin(), names.end());
     for (const std::string& name : names) {
-        addTable((std::filesystem::path(path) / name).string(), name);
+        addTable(pathIn(path, name), name);
     }
 }
 

@@ -1,7 +1,6 @@
 // engine/start_up.cpp - the start of the program, up to the command loop, and its end.
 //
 // The start must be quick: an interface waits only seconds for the answer to "protover".
-#include <chrono>
 #include <cstdlib>
 #include <utility>
 
@@ -14,16 +13,6 @@
 
 namespace vatro {
 namespace {
-
-/// Random games, random positions and the choice of book moves differ from run to run.
-void seedRandomGenerator() {
-    using std::chrono::milliseconds;
-    const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
-    const auto total =
-        static_cast<std::uint64_t>(std::chrono::duration_cast<milliseconds>(sinceEpoch).count());
-    constexpr std::uint64_t MillisecondsPerDay = 86'400'000;
-    std::srand(static_cast<std::uint32_t>((total % MillisecondsPerDay) * (total / 1000)));
-}
 
 void printBanner() {
     say(std::string("# ") + ProgramTitle +
@@ -43,7 +32,6 @@ WBEngine::WBEngine(std::shared_ptr<InputQueue> lines)
 WBEngine::~WBEngine() { player.stopSearch(); }
 
 void WBEngine::startUp(const Args& commandLine) {
-    seedRandomGenerator();
     atTerminal = inputIsTerminal();
     chooseDefaultBook(player.book);
     readConfiguration(ConfigurationFile, player);

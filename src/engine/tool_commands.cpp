@@ -99,13 +99,13 @@ bool WBEngine::cmdRandPos(const Args& args) {
     leaveAnalysis();
     if (args.empty()) {
         printBoard();
-        say(randomPositionFEN() + '\n');
+        say(randomPositionFEN(random) + '\n');
         return cmdNew({});
     }
     const int count = readNumber(args[0]);
     if (count < 1) return false;
     StopCheck stop = stopCheck();
-    if (!writeRandomPositions(count, args.size() > 1 ? args[1].c_str() : nullptr, stop)) {
+    if (!writeRandomPositions(count, args.size() > 1 ? args[1].c_str() : nullptr, random, stop)) {
         return false;
     }
     return cmdNew({});
@@ -119,7 +119,7 @@ bool WBEngine::cmdRandGames(const Args& args) {
     stopSearch();
     const bool hadRandomMoves = player.randomMoves.exchange(true);
     StopCheck stop = stopCheck();
-    playRandomGames(player.game, static_cast<unsigned long>(games), stop);
+    playRandomGames(player.game, static_cast<unsigned long>(games), random, stop);
     player.randomMoves = hadRandomMoves;
     gameOver = false;  // the start position is on the board
     return true;

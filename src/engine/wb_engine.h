@@ -121,6 +121,7 @@ class WBEngine final : public EngineInterface {
 
     TimeControl timeControl;
     PerftHashTable perftHash;
+    Random random = Random::seededByClock();  // the main thread's
     const std::shared_ptr<InputQueue> input;
 
     std::mutex gameMutex;  // guards the game and the fields below while a search may run

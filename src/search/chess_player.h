@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "base/random.h"
 #include "board/game.h"
 #include "book/polyglot_book.h"
 #include "egtb/tablebases.h"
@@ -144,6 +145,7 @@ class ChessPlayer final : public SearchInterface {
     EngineInterface* engine;
     unsigned ttAllocatedFor = 0;  // the size setting that the table was made for; 0: no table
     unsigned pawnHashAllocatedFor = 0;
+    Random random = Random::seededByClock();  // search thread 0's
     TableWarmer warmer{transpositionTable, pawnHashTable};
     std::vector<std::unique_ptr<SearchThread>> threadPool;
 };

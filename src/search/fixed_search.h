@@ -53,9 +53,15 @@ struct SearchRecord final : SearchInterface, SearchReporter {
         allLines.clear();
         refusedMoves.clear();
         stop.reset();
+        looksAtClock = 0;
     }
 
-    bool timeout() override { return false; }
+    unsigned looksAtClock = 0;
+
+    bool timeout() override {
+        ++looksAtClock;
+        return false;
+    }
     void printThinking(const RootLine& best) override {
         const PrincipalVariation& line = best.line;
         allLines.push_back(

@@ -51,11 +51,11 @@ SearchResult ChessPlayer::chooseMove() {
         if (randomMoves) {
             MoveList list;
             generateLegalMoves(game.board, list);
-            if (const Move move = pickRandomMove(list)) return {move, NoMove};
+            if (const Move move = pickRandomMove(list, random)) return {move, NoMove};
         } else if (useBook) {
             Move move = NoMove;
             std::string error;
-            const bool found = book.probe(game.board, move, error);
+            const bool found = book.probe(game.board, random, move, error);
             if (!error.empty()) reporter.reportBookError(error);
             if (found) return {move, NoMove};
         }

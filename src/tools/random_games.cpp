@@ -23,13 +23,13 @@ void setupStart(Game& game) {
     static_cast<void>(accepted);
 }
 
-void playRandomGame(Game& game, GameStatistics& stats) {
+void playRandomGame(Game& game, GameStatistics& stats, Random& random) {
     setupStart(game);
     GameCounter counter(game, stats);
     DrawReason reason;
     do {
         if (game.isFull()) break;
-        const Move move = drawLegalMove(game.board);
+        const Move move = drawLegalMove(game.board, random);
         if (move == NoMove) break;
         counter.beforeMove(move);
         game.play(move);
@@ -40,13 +40,13 @@ void playRandomGame(Game& game, GameStatistics& stats) {
 
 }  // namespace
 
-void playRandomGames(Game& game, unsigned long games, StopCheck& stop) {
+void playRandomGames(Game& game, unsigned long games, Random& random, StopCheck& stop) {
     say(formatted("# Playing %lu random games ...\n", games));
     const auto stats = std::make_unique<GameStatistics>();
     const unsigned long interval = std::max(games / ProgressMarks, 1UL);  // few games: a mark each
     for (unsigned long i = 0; i < games; ++i) {
         if (i > 0 && stop.mustStop()) break;
-        playRandomGame(game, *stats);
+        playRandomGame(game, *stats, random);
         if (i % interval == 0) say("#");
     }
     say(std::string("\n") + (stop.hasStopped() ? InterruptedLine : "") +

@@ -1,6 +1,7 @@
 // tools/random_games.h - games of random legal moves and statistics about them.
 #pragma once
 
+#include "base/random.h"
 #include "board/game.h"
 #include "tools/stop_check.h"
 
@@ -11,6 +12,6 @@ namespace vatro {
 /// any draw by rule, a position that repeats, or when the record of moves is full. Leaves the start
 /// position and an empty record.
 /// A run that is stopped ends after the game that it plays.
-void playRandomGames(Game& game, unsigned long games, StopCheck& stop);
+void playRandomGames(Game& game, unsigned long games, Random& random, StopCheck& stop);
 
 }  // namespace vatro

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include "base/random.h"
 #include "board/move_generator.h"
 
 namespace vatro {
@@ -87,18 +86,18 @@ class GroupSink {
 };
 
 template <Colour Us>
-Move draw(const Board_0x88& board) {
+Move draw(const Board_0x88& board, Random& random) {
     GroupSink sink;
     const PinInfo info = computePins<Us>(board, findCheckers<Us>(board));
     Generator<Us, MoveSet::All, GroupSink>(board, info, sink).generate();
     if (sink.size() == 0) return NoMove;
-    return sink.at(randomBelow(sink.size()));
+    return sink.at(random.below(sink.size()));
 }
 
 }  // namespace
 
-Move drawLegalMove(const Board_0x88& board) {
-    return board.sideToMove == White ? draw<White>(board) : draw<Black>(board);
+Move drawLegalMove(const Board_0x88& board, Random& random) {
+    return board.sideToMove == White ? draw<White>(board, random) : draw<Black>(board, random);
 }
 
 }  // namespace vatro

@@ -6,11 +6,10 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <memory>
 #include <utility>
 
 #include "base/console.h"
-#include "base/random.h"
+#include "base/regular_file.h"
 #include "base/text.h"
 #include "board/attacks.h"
 #include "board/side.h"
@@ -19,12 +18,13 @@ namespace vatro {
 namespace {
 
 /// 0 to limit - 1.
-int draw(int limit) { return static_cast<int>(randomBelow(static_cast<unsigned>(limit))); }
-bool drawOneIn(int n) { return draw(n) == 0; }
+int draw(int limit, Random& random) {
+    return static_cast<int>(random.below(static_cast<unsigned>(limit)));
+}
 
-Square drawEmptySquare(const Board_0x88& board) {
+Square drawEmptySquare(const Board_0x88& board, Random& random) {
     for (;;) {
-        const Square square = as88(static_cast<Square64>(draw(64)));
+        const Square square = as88(static_cast<Square64>(random.below(64)));
         if (board.pieceOn[square] == NoPiece) return square;
     }
 }
@@ -36,17 +36,17 @@ struct Material {
     int total = 0;
 };
 
-Material drawMaterial() {
+Material drawMaterial(Random& random) {
     constexpr int whole[PieceTypeCount] = {0, 8, 2, 2, 2, 1, 1};
     Material material;
-    const int keptOfSix = 1 + draw(6);  // from nearly bare kings to nearly full boards
+    const int keptOfSix = 1 + draw(6, random);  // from nearly bare kings to nearly full boards
     for (int type = Pawn; type <= Queen; ++type) {
         for (int i = 0; i < whole[type]; ++i) {
-            if (draw(6) < keptOfSix) ++material.counts[type];
+            if (draw(6, random) < keptOfSix) ++material.counts[type];
         }
     }
-    while (material.counts[Pawn] + material.promoted < whole[Pawn] && drawOneIn(8)) {
-        ++material.counts[drawOneIn(2) ? Queen : Knight + draw(3)];
+    while (material.counts[Pawn] + material.promoted < whole[Pawn] && random.oneIn(8)) {
+        ++material.counts[random.oneIn(2) ? Queen : Knight + draw(3, random)];
         ++material.promoted;
     }
     material.counts[King] = 1;
@@ -60,15 +60,15 @@ Material drawMaterial() {
 /// starts again.
 class PositionDraw {
   public:
-    explicit PositionDraw(Board_0x88& target) : board(target) {}
+    PositionDraw(Board_0x88& target, Random& source) : board(target), random(source) {}
 
     bool tryOnce() {
         board.clearBoard();
-        material[White] = drawMaterial();
-        material[Black] = drawMaterial();
+        material[White] = drawMaterial(random);
+        material[Black] = drawMaterial(random);
         if (!placePawns<White>() || !placePawns<Black>() || pawnsHavePassed()) return false;
         if (!placePieces<White>() || !placePieces<Black>()) return false;
-        board.sideToMove = static_cast<std::uint8_t>(draw(2));
+        board.sideToMove = static_cast<std::uint8_t>(draw(2, random));
         return board.sideToMove == White ? finish<White>() : finish<Black>();
     }
 
@@ -88,6 +88,7 @@ class PositionDraw {
     void drawEnPassant();
 
     Board_0x88& board;
+    Random& random;
     Material material[ColourCount];
     int homeFileRank[ColourCount][8] = {};  // rank of the pawn that never left its file, or NoRank
 };
@@ -100,15 +101,15 @@ bool PositionDraw::placePawns() {
     if (captures < 0) return false;
     int files[8] = {0, 1, 2, 3, 4, 5, 6, 7};
     for (int i = 0; i < 8; ++i) {
-        std::swap(files[i], files[i + draw(8 - i)]);
+        std::swap(files[i], files[i + draw(8 - i, random)]);
         homeFileRank[Us][i] = NoRank;
     }
     for (int i = 0; i < material[Us].counts[Pawn]; ++i) {
-        const int relative = 1 + (drawOneIn(3) ? 0 : draw(6));  // a third has not moved
+        const int relative = 1 + (random.oneIn(3) ? 0 : draw(6, random));  // a third has not moved
         const int rank = S::relativeRank(relative);
         int file = files[i];
-        if (relative > 1 && captures > 0 && drawOneIn(4)) {
-            file += drawOneIn(2) ? 1 : -1;
+        if (relative > 1 && captures > 0 && random.oneIn(4)) {
+            file += random.oneIn(2) ? 1 : -1;
             --captures;
         } else {
             homeFileRank[Us][file] = rank;
@@ -139,16 +140,16 @@ bool PositionDraw::placePieces() {
         return board.addPiece(square, type, Us);
     };
     // Castling needs king and rooks at home, where chance alone rarely puts them.
-    if (drawOneIn(3) && board.pieceOn[S::KingHome] == NoPiece) {
+    if (random.oneIn(3) && board.pieceOn[S::KingHome] == NoPiece) {
         if (!place(S::KingHome, King)) return false;
         for (const Square rook : {S::home(A1), S::home(H1)}) {
-            if (left.counts[Rook] == 0 || drawOneIn(4)) continue;
+            if (left.counts[Rook] == 0 || random.oneIn(4)) continue;
             if (board.pieceOn[rook] == NoPiece && !place(rook, Rook)) return false;
         }
     }
     for (int type = King; type > Pawn; --type) {
         while (left.counts[type] > 0) {
-            if (!place(drawEmptySquare(board), static_cast<PieceType>(type))) return false;
+            if (!place(drawEmptySquare(board, random), static_cast<PieceType>(type))) return false;
         }
     }
     // A second bishop on squares of the same colour comes from a promotion.
@@ -180,7 +181,7 @@ bool PositionDraw::finish() {
     drawCastlingRights<Black>();
     drawEnPassant<Us>();
     const bool pawnHasMoved = checkedByPawn || board.epSquare != NoSquare;
-    board.halfmoveClock = static_cast<std::uint8_t>(pawnHasMoved ? 0 : draw(20));
+    board.halfmoveClock = static_cast<std::uint8_t>(pawnHasMoved ? 0 : draw(20, random));
     board.record().key = board.fullKey();
     return true;
 }
@@ -191,7 +192,7 @@ void PositionDraw::drawCastlingRights() {
     if (board.kingSquare(Us) != S::KingHome) return;
     const SquareMask rooks = board.pieceMask[Us][Rook];
     for (const auto& [rook, right] : {std::pair(H1, S::KingSide), std::pair(A1, S::QueenSide)}) {
-        if (!(rooks & maskOf(S::home(rook))) || drawOneIn(4)) continue;
+        if (!(rooks & maskOf(S::home(rook))) || random.oneIn(4)) continue;
         board.castlingRights = static_cast<std::uint8_t>(board.castlingRights | right);
     }
 }
@@ -203,7 +204,7 @@ void PositionDraw::drawEnPassant() {
     using S = Side<Pusher>;
     for (int file = 0; file < 8; ++file) {
         const int rank = S::relativeRank(3);
-        if (homeFileRank[Pusher][file] != rank || drawOneIn(3)) continue;
+        if (homeFileRank[Pusher][file] != rank || random.oneIn(3)) continue;
         const Square to = squareAt(file, rank);
         const Square passed = to - S::Up;
         const Square from = passed - S::Up;
@@ -220,29 +221,28 @@ void PositionDraw::drawEnPassant() {
     }
 }
 
-std::string drawFEN(Board_0x88& board) {
-    setupRandomPosition(board);
+std::string drawFEN(Board_0x88& board, Random& random) {
+    setupRandomPosition(board, random);
     // A move number late enough for as many captures as pieces are missing.
-    return board.toFEN(static_cast<unsigned>(25 + draw(50)));
+    return board.toFEN(static_cast<unsigned>(25 + draw(50, random)));
 }
 
 }  // namespace
 
-void setupRandomPosition(Board_0x88& board) {
-    PositionDraw position(board);
+void setupRandomPosition(Board_0x88& board, Random& random) {
+    PositionDraw position(board, random);
     while (!position.tryOnce()) {
     }
     board.perftKeys[board.perftPly] = board.record().key;
 }
 
-std::string randomPositionFEN() {
+std::string randomPositionFEN(Random& random) {
     Board_0x88 board;
-    return drawFEN(board);
+    return drawFEN(board, random);
 }
 
-bool writeRandomPositions(int count, const char* path, StopCheck& stop) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
-        path ? std::fopen(path, "w") : nullptr, &std::fclose);
+bool writeRandomPositions(int count, const char* path, Random& random, StopCheck& stop) {
+    const FileHandle file = path ? createFile(path) : nullptr;
     if (path && !file) {
         say(formatted("# ERROR: failed to open file \"%s\" for writing", path));
         return false;
@@ -251,7 +251,7 @@ bool writeRandomPositions(int count, const char* path, StopCheck& stop) {
     bool written = true;
     int drawn = 0;
     do {
-        const std::string line = drawFEN(board) + '\n';
+        const std::string line = drawFEN(board, random) + '\n';
         if (file) {
             written = written && std::fputs(line.c_str(), file.get()) >= 0;
         } else {

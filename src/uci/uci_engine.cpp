@@ -186,7 +186,7 @@ bool UciEngine::playsFromBook(const GoCommand& command) {
     if (!usesBook || wantsSearch) return false;
     Move move = NoMove;
     std::string error;
-    const bool found = player.book.probe(player.game.board, move, error);
+    const bool found = player.book.probe(player.game.board, random, move, error);
     if (!error.empty()) reporter.reportBookError(error);
     if (found) say("bestmove " + moveToText(move) + '\n');
     return found;

@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/random.h"
 #include "search/chess_player.h"
 #include "search/time_control.h"
 #include "shell/input_queue.h"
@@ -76,6 +77,7 @@ class UciEngine final : public EngineInterface {
 
     std::shared_ptr<InputQueue> input;
     TimeControl timeControl;
+    Random random = Random::seededByClock();  // the main thread's
     bool usesBook = false;
     bool analyses = false;  // for a user who looks at positions: no book
     unsigned lines = 1;     // best lines to show

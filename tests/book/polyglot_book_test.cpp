@@ -2,7 +2,6 @@
 #include "book/polyglot_book.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <random>
@@ -26,11 +25,13 @@ using test::bookMove;
 using test::TemporaryFile;
 using test::TestEntry;
 
+Random draws(1);
+
 /// What the book plays, in coordinate notation; empty when it has no move.
 std::string answer(PolyglotBook& book, const Board_0x88& board, std::string* error = nullptr) {
     Move move = NoMove;
     std::string text;
-    const bool found = book.probe(board, move, error ? *error : text);
+    const bool found = book.probe(board, draws, move, error ? *error : text);
     EXPECT_EQ(text, "");
     return found ? moveToText(move) : "";
 }
@@ -69,7 +70,6 @@ TEST(PolyglotBook, DrawsInProportionToTheWeights) {
                                         {StartKey, bookMove("d2d4"), 0},
                                         {StartKey, bookMove("g1f3"), 3}}));
     PolyglotBook book(file.path);
-    std::srand(1);
     std::map<std::string, int> drawn;
     for (int i = 0; i < 4000; ++i)
         ++drawn[answer(book, startPosition)];
@@ -109,7 +109,6 @@ TEST(PolyglotBook, Takes256EntriesOfAPositionAndNoMore) {
     std::fill(entries.begin(), entries.begin() + 128, TestEntry{StartKey, bookMove("b2b3"), 65535});
     const TemporaryFile file(bookBytes(entries));
     PolyglotBook book(file.path);
-    std::srand(1);
     int firstHalf = 0;
     for (int i = 0; i < 400; ++i)
         firstHalf += answer(book, startPosition) == "b2b3" ? 1 : 0;
@@ -159,7 +158,7 @@ TEST(PolyglotBook, AnUnsortedBookGivesLegalMovesOrNone) {
         PolyglotBook book(file.path);
         Move move = NoMove;
         std::string error;
-        if (!book.probe(startPosition, move, error)) continue;
+        if (!book.probe(startPosition, draws, move, error)) continue;
         ++found;
         // Of this position only pawns and knights can move.
         EXPECT_TRUE(rankOf(from64(move)) == 1 || startPosition.pieceAt(fromSquare(move)) == Knight);

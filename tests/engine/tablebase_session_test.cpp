@@ -45,5 +45,22 @@ TEST(TablebaseSession, TableThatBreaksWhileItIsOpenIsReportedAtOnce) {
     }
 }
 
+TEST(TablebaseSession, OpeningTablesDoesNotHoldUpAMove) {
+    Session session;
+    std::filesystem::create_directory(session.directory.path / "m");
+    for (int i = 0; i < 200; ++i) {
+        session.directory.writeFile("m/" + std::to_string(i) + egtb::TableSuffix, "no table");
+    }
+    std::string paths;  // the directory over and over: a second's work
+    for (int i = 0; i < 127; ++i) {
+        paths += "m;";
+    }
+    session.send("nobook\ntime 5\ngo\negtpath gaviota " + paths);
+    for (const std::string& line : session.linesBefore("move ")) {
+        EXPECT_FALSE(line.starts_with("# tablebases: ignored")) << "the move came after " << line;
+    }
+    session.nextLine("# tablebases: ignored");
+}
+
 }  // namespace
 }  // namespace vatro::test

@@ -23,15 +23,49 @@ constexpr char openFEN[] = "r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R 
 constexpr char tableFEN[] = "8/8/8/3k4/8/8/8/KR6 w - - 0 1";
 constexpr Key StartKey = 0x463B96181691FC9C;  // of the start position, in the book's format
 
-/// The engine in a directory that it shares with the other runs.
-class FaultySession {
+/// A program that the injector is loaded into, in a directory that it shares with other runs.
+class FaultyProcess {
   public:
     /// `fault` as the injector wants it; empty for none.
+    FaultyProcess(const ScratchDirectory& directory, const std::string& fault, const Lines& program)
+        : counts(map(directory)),
+          process(commandLine(directory, fault, program), directory.path.string()) {}
+    ~FaultyProcess() { ::munmap(counts, sizeof(FaultCounts)); }
+    FaultyProcess(const FaultyProcess&) = delete;
+    FaultyProcess& operator=(const FaultyProcess&) = delete;
+
+    unsigned callsOf(FaultKind kind) const { return (*counts)[kind]; }
+
+  private:
+    static FaultCounts* map(const ScratchDirectory& directory) {
+        const int file = ::open(directory.file("counts").c_str(), O_RDWR | O_CREAT | O_TRUNC, 0600);
+        EXPECT_EQ(0, ::ftruncate(file, sizeof(FaultCounts)));
+        void* const shared =
+            ::mmap(nullptr, sizeof(FaultCounts), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+        EXPECT_NE(MAP_FAILED, shared);
+        ::close(file);
+        return static_cast<FaultCounts*>(shared);
+    }
+    static Lines commandLine(const ScratchDirectory& directory,
+                             const std::string& fault,
+                             const Lines& program) {
+        Lines line = {"/usr/bin/env", "LD_PRELOAD=" VATRO_FAULT_INJECTOR, "VATRO_FAULT=" + fault,
+                      "VATRO_FAULT_COUNTS=" + directory.file("counts")};
+        line.insert(line.end(), program.begin(), program.end());
+        return line;
+    }
+
+    FaultCounts* counts;
+
+  protected:
+    ChildProcess process;
+};
+
+/// The engine, playing a script.
+class FaultySession : public FaultyProcess {
+  public:
     FaultySession(const ScratchDirectory& directory, const std::string& fault)
-        : counts(map(directory)), process(commandLine(directory, fault), directory.path.string()) {}
-    ~FaultySession() { ::munmap(counts, sizeof(FaultCounts)); }
-    FaultySession(const FaultySession&) = delete;
-    FaultySession& operator=(const FaultySession&) = delete;
+        : FaultyProcess(directory, fault, {engineProgram(), "-cores", "2"}) {}
 
     /// Plays the script and waits for the end.
     void run() {
@@ -55,34 +89,26 @@ class FaultySession {
         if (status == 1) process.expectEnd(1);
     }
 
-    unsigned callsOf(FaultKind kind) const { return (*counts)[kind]; }
-
     std::string output;
     int movesMade = 0;
     std::optional<int> status;
+};
 
-  private:
-    static FaultCounts* map(const ScratchDirectory& directory) {
-        const int file = ::open(directory.file("counts").c_str(), O_RDWR | O_CREAT | O_TRUNC, 0600);
-        EXPECT_EQ(0, ::ftruncate(file, sizeof(FaultCounts)));
-        void* const shared =
-            ::mmap(nullptr, sizeof(FaultCounts), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
-        EXPECT_NE(MAP_FAILED, shared);
-        ::close(file);
-        return static_cast<FaultCounts*>(shared);
-    }
-    static Lines commandLine(const ScratchDirectory& directory, const std::string& fault) {
-        return {"/usr/bin/env",
-                "LD_PRELOAD=" VATRO_FAULT_INJECTOR,
-                "VATRO_FAULT=" + fault,
-                "VATRO_FAULT_COUNTS=" + directory.file("counts"),
-                engineProgram(),
-                "-cores",
-                "2"};
+/// The maker of tables, making one.
+class FaultyMaker : public FaultyProcess {
+  public:
+    FaultyMaker(const ScratchDirectory& directory, const std::string& fault)
+        : FaultyProcess(directory, fault, {VATRO_TBGEN, "KQK", "--out", "made"}) {}
+
+    /// Waits for the end.
+    void run() {
+        output = process.readAll().value_or("");
+        status = process.waitForExit();
+        process.expectEnd(status.value_or(0));
     }
 
-    FaultCounts* counts;
-    ChildProcess process;
+    std::string output;
+    std::optional<int> status;
 };
 
 class Faults : public testing::TestWithParam<FaultKind> {
@@ -140,6 +166,21 @@ TEST_P(Faults, ThatLastEndNothingInDisorder) {
         FaultySession session(directory, order(n, "+"));
         check(session, order(n, "+"));
     }
+}
+
+TEST(RenameFault, LeavesNoTableAndNothingInItsWay) {
+    const ScratchDirectory directory;
+    const std::string table = directory.file("made/KQK.gtb.cp4");
+    FaultyMaker failing(directory, "rename:1");
+    failing.run();
+    EXPECT_EQ(1U, failing.callsOf(Renaming));
+    EXPECT_EQ(1, failing.status) << failing.output;
+    EXPECT_FALSE(std::filesystem::exists(table));
+    EXPECT_FALSE(std::filesystem::exists(table + ".part"));
+    FaultyMaker sound(directory, "");
+    sound.run();
+    EXPECT_EQ(0, sound.status) << sound.output;
+    EXPECT_TRUE(std::filesystem::exists(table));
 }
 
 std::string kindName(const testing::TestParamInfo<FaultKind>& info) {

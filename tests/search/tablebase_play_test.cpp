@@ -83,5 +83,18 @@ TEST_F(TablebasePlay, CastlingRightsKeepThePositionOutOfTheTables) {
     EXPECT_GT(search.searcher->tbHits, 0U);  // where the right is gone
 }
 
+// A few hundred nodes of a search are no time, but the disk may be slow.
+TEST_F(TablebasePlay, AProbeThatHasReadFromDiskLooksAtTheClock) {
+    const char* const fen = "8/8/8/3k4/6r1/8/p7/K2Q4 w - - 0 1";  // captures lead into the tables
+    ASSERT_TRUE(game->setup(fen));
+    search.run(game->board, 2);
+    EXPECT_LT(search.searcher->nodes, 1000U);
+    const std::uint64_t diskReads = search.tablebases.statistics().diskReads;
+    ASSERT_LT(0U, diskReads);
+    EXPECT_LE(diskReads, search.record.looksAtClock);
+    search.run(game->board, 2);  // all of it is in the cache
+    EXPECT_EQ(search.record.looksAtClock, 0U);
+}
+
 }  // namespace
 }  // namespace vatro

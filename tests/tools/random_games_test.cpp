@@ -1,7 +1,6 @@
 // tests/tools/random_games_test.cpp - which games are played, and what is said while they are.
 #include "tools/random_games.h"
 
-#include <cstdlib>
 #include <sstream>
 
 #include "base/text.h"
@@ -12,10 +11,13 @@
 namespace vatro {
 namespace {
 
+constexpr std::uint64_t Seed = 20;
+
 std::string outputOf(unsigned long games, StopCheck stop = {}) {
     const auto game = std::make_unique<Game>();
+    Random random(Seed);
     testing::internal::CaptureStdout();
-    playRandomGames(*game, games, stop);
+    playRandomGames(*game, games, random, stop);
     std::string text = testing::internal::GetCapturedStdout();
     EXPECT_EQ(game->plyCount, 0U);
     EXPECT_EQ(game->board.toFEN(), startPositionFEN);
@@ -26,13 +28,14 @@ std::string outputOf(unsigned long games, StopCheck stop = {}) {
 std::string statisticsOfPlainGames(int games) {
     const auto game = std::make_unique<Game>();
     const auto stats = std::make_unique<GameStatistics>();
+    Random random(Seed);
     for (int i = 0; i < games; ++i) {
         EXPECT_TRUE(game->setup(startPositionFEN));
         GameCounter counter(*game, *stats);
         for (DrawReason reason; !game->isFull();) {
             MoveList list;
             generateLegalMoves(game->board, list);
-            const Move move = pickRandomMove(list);
+            const Move move = pickRandomMove(list, random);
             if (move == NoMove) break;
             counter.beforeMove(move);
             game->play(move);
@@ -45,9 +48,7 @@ std::string statisticsOfPlainGames(int games) {
 }
 
 TEST(RandomGames, AreThoseOfAPlainLoop) {
-    std::srand(20);
     const std::string output = outputOf(200);
-    std::srand(20);
     EXPECT_EQ(output, "# Playing 200 random games ...\n" + std::string(50, '#') +
                           "\ncalculate average values ...\n" + statisticsOfPlainGames(200));
 }

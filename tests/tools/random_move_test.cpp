@@ -1,8 +1,6 @@
 // tests/tools/random_move_test.cpp - the short cut draws what the list would give.
 #include "tools/random_move.h"
 
-#include <cstdlib>
-
 #include "board/game.h"
 #include "support.h"
 
@@ -15,10 +13,9 @@ TEST(RandomMove, IsTheOneDrawnFromTheList) {
         MoveList list;
         generateLegalMoves(board, list);
         for (unsigned seed = 1; seed <= 20; ++seed) {
-            std::srand(seed);
-            const Move expected = pickRandomMove(list);
-            std::srand(seed);
-            ASSERT_EQ(drawLegalMove(board), expected) << board.toFEN();
+            Random one(seed);
+            Random other(seed);
+            ASSERT_EQ(drawLegalMove(board, one), pickRandomMove(list, other)) << board.toFEN();
         }
     };
     for (const char* fen : richPositions) {
@@ -27,7 +24,8 @@ TEST(RandomMove, IsTheOneDrawnFromTheList) {
     for (const char* fen : oddPositions) {
         forEachRandomPosition(fen, 20, random, check);
     }
-    EXPECT_EQ(drawLegalMove(*boardOf("7k/5K2/6Q1/8/8/8/8/8 b - - 0 1")), NoMove);
+    Random any(1);
+    EXPECT_EQ(drawLegalMove(*boardOf("7k/5K2/6Q1/8/8/8/8/8 b - - 0 1"), any), NoMove);
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include "tools/random_positions.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <set>
 
@@ -57,7 +56,7 @@ void expectLegal(Board_0x88& board) {
 }
 
 TEST(RandomPositions, AreLegalVariedAndReadBackTheSame) {
-    std::srand(30);
+    Random random(30);
     const auto board = std::make_unique<Board_0x88>();
     const auto copy = std::make_unique<Board_0x88>();
     std::set<std::string> texts;
@@ -65,7 +64,7 @@ TEST(RandomPositions, AreLegalVariedAndReadBackTheSame) {
     int byTotal[33] = {};
     constexpr int Count = 100000;
     for (int i = 0; i < Count; ++i) {
-        setupRandomPosition(*board);
+        setupRandomPosition(*board, random);
         expectLegal(*board);
         const std::string text = board->toFEN(30);
         ASSERT_TRUE(copy->setupFromFEN(text.c_str())) << text;
@@ -93,11 +92,11 @@ TEST(RandomPositions, AreLegalVariedAndReadBackTheSame) {
 }
 
 TEST(RandomPositions, AreWrittenOneALine) {
-    std::srand(31);
+    Random random(31);
     const std::string path = testing::TempDir() + "vatro_random.fen";
     testing::internal::CaptureStdout();
     StopCheck never;
-    ASSERT_TRUE(writeRandomPositions(10, path.c_str(), never));
+    ASSERT_TRUE(writeRandomPositions(10, path.c_str(), random, never));
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "Wrote 10 random FENs to file \"" + path + "\"\n");
     std::ifstream file(path);
@@ -110,19 +109,19 @@ TEST(RandomPositions, AreWrittenOneALine) {
     std::remove(path.c_str());
 
     testing::internal::CaptureStdout();
-    ASSERT_TRUE(writeRandomPositions(3, nullptr, never));
+    ASSERT_TRUE(writeRandomPositions(3, nullptr, random, never));
     const std::string output = testing::internal::GetCapturedStdout();
     EXPECT_EQ(std::count(output.begin(), output.end(), '\n'), 3);
 
     testing::internal::CaptureStdout();
-    EXPECT_FALSE(writeRandomPositions(3, testing::TempDir().c_str(), never));
+    EXPECT_FALSE(writeRandomPositions(3, testing::TempDir().c_str(), random, never));
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "# ERROR: failed to open file \"" + testing::TempDir() + "\" for writing");
 
     int questions = 0;
     StopCheck stop([&questions] { return ++questions == 4; });
     testing::internal::CaptureStdout();
-    ASSERT_TRUE(writeRandomPositions(1000000, nullptr, stop));
+    ASSERT_TRUE(writeRandomPositions(1000000, nullptr, random, stop));
     const std::string cut = testing::internal::GetCapturedStdout();
     EXPECT_EQ(std::count(cut.begin(), cut.end(), '\n'), 5);
     EXPECT_TRUE(cut.ends_with("\n# interrupted\n")) << cut;

@@ -67,21 +67,22 @@ Status claimTable(const Material& material,
                   bool& isThere) {
     for (;;) {
         switch (file.claim()) {
-            case PartFile::Claim::Failed:
+            case File::Claim::NotPlain:
+            case File::Claim::Failed:
                 return Status::failure(file.fault());
-            case PartFile::Claim::Taken:
+            case File::Claim::Taken:
                 if (options.workers.areStopped() ||
                     !listener.advances("waiting for another process", 0)) {
                     return Status::interrupted();
                 }
                 std::this_thread::sleep_for(WaitInterval);
                 break;
-            case PartFile::Claim::Unlocked:
+            case File::Claim::Unlocked:
                 listener.warns("the file system of " + options.directory +
                                " gives no locks: let no other process make " + material.name() +
                                " there");
                 [[fallthrough]];
-            case PartFile::Claim::Held:
+            case File::Claim::Held:
                 isThere = checkTable(options.directory, material).state == TableState::Complete;
                 return Status::good();
         }
@@ -133,7 +134,7 @@ Status checkNeeds(const std::vector<Material>& list, const std::string& director
 TableCheck checkTable(const std::string& directory, const Material& material) {
     const std::string path = tablePath(directory, material);
     std::error_code error;
-    if (!std::filesystem::exists(std::filesystem::symlink_status(path, error))) {
+    if (!std::filesystem::exists(std::filesystem::symlink_status(standardPath(path), error))) {
         return {TableState::Missing, {}};
     }
     const OpenedTable opened = TableFile::open(path);
@@ -167,7 +168,7 @@ Status makeTables(const std::vector<Material>& list,
     Status status = checkNeeds(missing, options.directory);
     if (!status.isGood()) return status;
     std::error_code error;
-    std::filesystem::create_directories(options.directory, error);
+    std::filesystem::create_directories(standardPath(options.directory), error);
     if (error) return Status::failure(options.directory + ": " + error.message());
     status = checkResources(missing, options.directory);
     if (!status.isGood()) return status;
@@ -186,7 +187,7 @@ Status makeTables(const std::vector<Material>& list,
         }
         status = makeTable(material, options, listener, file);
         if (!status.isGood()) return status;
-        const auto size = std::filesystem::file_size(path, error);
+        const auto size = std::filesystem::file_size(standardPath(path), error);
         if (error) return Status::failure(path + ": " + error.message());
         listener.tableEnds(material, size);
     }

@@ -2,7 +2,6 @@
 #include "egtb/generator/loaded_table.h"
 
 #include <atomic>
-#include <filesystem>
 #include <utility>
 
 #include "egtb/generator/parallel.h"
@@ -10,7 +9,7 @@
 namespace vatro::egtb {
 
 std::string tablePath(const std::string& directory, const Material& material) {
-    return (std::filesystem::path(directory) / (material.name() + TableSuffix)).string();
+    return pathIn(directory, material.name() + TableSuffix);
 }
 
 std::uint64_t LoadedTable::bytesOfSide(const Material& material) {

@@ -1,7 +1,5 @@
 // egtb/generator/main.cpp - vatro-tbgen: makes, checks and describes tablebases.
 #include <algorithm>
-#include <atomic>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
@@ -11,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "base/console.h"
+#include "base/process.h"
 #include "egtb/generator/generator.h"
 #include "egtb/generator/plan.h"
 #include "egtb/generator/progress.h"
@@ -50,11 +50,6 @@ struct Options {
     Task task = Task::Make;
 };
 
-std::atomic<bool> isInterrupted{false};
-static_assert(std::atomic<bool>::is_always_lock_free);  // a signal handler sets it
-
-void interrupt(int) { isInterrupted = true; }
-
 /// Reads a whole number between bounds.
 bool readNumber(const char* text, int least, int most, int& number) {
     char* end = nullptr;
@@ -71,22 +66,23 @@ constexpr std::pair<std::string_view, Task> taskOptions[] = {{"--verify", Task::
                                                              {"--makefile", Task::Makefile},
                                                              {"--help", Task::Help}};
 
-Status readOptions(int argc, char** argv, Options& options) {
+Status readOptions(const std::vector<std::string>& arguments, Options& options) {
     constexpr int MostThreads = 1024;
-    for (int i = 1; i < argc; ++i) {
-        const std::string argument = argv[i];
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
         const bool takesValue =
             argument == "--pieces" || argument == "--out" || argument == "--threads";
-        if (takesValue && i + 1 == argc) return Status::failure(argument + " needs a value");
+        if (takesValue && i + 1 == arguments.size())
+            return Status::failure(argument + " needs a value");
         const auto task = std::find_if(std::begin(taskOptions), std::end(taskOptions),
                                        [&](const auto& entry) { return entry.first == argument; });
         bool isGood = true;
         if (argument == "--pieces") {
-            isGood = readNumber(argv[++i], 3, MaxPieces, options.pieces);
+            isGood = readNumber(arguments[++i].c_str(), 3, MaxPieces, options.pieces);
         } else if (argument == "--threads") {
-            isGood = readNumber(argv[++i], 1, MostThreads, options.threads);
+            isGood = readNumber(arguments[++i].c_str(), 1, MostThreads, options.threads);
         } else if (argument == "--out") {
-            options.directory = argv[++i];
+            options.directory = arguments[++i];
         } else if (argument == "--only") {
             options.makesOnlyNamed = true;
         } else if (task != std::end(taskOptions)) {
@@ -96,7 +92,7 @@ Status readOptions(int argc, char** argv, Options& options) {
         } else {
             return Status::failure("neither an option nor an ending: " + argument);
         }
-        if (!isGood) return Status::failure(argument + " does not take " + argv[i]);
+        if (!isGood) return Status::failure(argument + " does not take " + arguments[i]);
     }
     if (options.task == Task::Help) return Status::good();
     if (options.pieces == 0 && options.endings.empty()) return Status::failure("no ending given");
@@ -143,6 +139,8 @@ bool forEachEnding(const std::vector<Material>& list, Task task) {
 /// Shows how the tables come along.
 class Reporter : public GeneratorListener {
   public:
+    explicit Reporter(const Workers& all) : workers(all) {}
+
     void runBegins(std::size_t kept, const std::vector<Material>& missing) override {
         if (kept > 0) {
             std::printf("%zu of %zu tables are already there\n", kept, kept + missing.size());
@@ -154,7 +152,7 @@ class Reporter : public GeneratorListener {
     }
     bool advances(const char* step, double part) override {
         progress.update(step, part);
-        return !isInterrupted;
+        return !workers.areStopped();
     }
     void tableEnds(const Material&, std::uint64_t fileSize) override {
         char text[64];
@@ -170,13 +168,16 @@ class Reporter : public GeneratorListener {
     }
 
     Progress progress{0};
+
+  private:
+    const Workers& workers;
 };
 
 bool makeAll(const Options& options, const std::vector<Material>& list, const Workers& workers) {
     GeneratorOptions generator;
     generator.directory = options.directory;
     generator.workers = workers;
-    Reporter reporter;
+    Reporter reporter(workers);
     const Status status = makeTables(list, generator, reporter);
     if (!status.isGood()) printFailure(reporter.progress, status);
     return status.isGood();
@@ -186,7 +187,7 @@ bool verifyAll(const Options& options, const std::vector<Material>& list, const 
     return forEachEnding(list, [&](const Material& material, Progress& progress) {
         const auto partDone = [&](double part) {
             progress.update("verifying", part);
-            return !isInterrupted;
+            return !workers.areStopped();
         };
         Status status = verifyTable(options.directory, material, workers, partDone);
         if (status.isGood()) progress.endTask("verified");
@@ -254,26 +255,18 @@ std::vector<Material> endingsOf(const Options& options) {
     return list;
 }
 
-/// Ends the work on a signal, unless the caller ignores it as nohup does.
-void handleSignal(int signal) {
-    if (std::signal(signal, interrupt) == SIG_IGN) std::signal(signal, SIG_IGN);
-}
-
-int run(int argc, char** argv) {
+int run(const std::vector<std::string>& arguments) {
+    setUpConsole();
     Options options;
-    const Status status = readOptions(argc, argv, options);
+    const Status status = readOptions(arguments, options);
     if (!status.isGood()) {
         std::fprintf(stderr, "vatro-tbgen: %s\n%s", status.line().c_str(), usage);
         return ExitUsage;
     }
-    handleSignal(SIGINT);
-    handleSignal(SIGTERM);
-    handleSignal(SIGHUP);
-    std::signal(SIGXFSZ, SIG_IGN);  // a write beyond the limit then fails like one to a full disk
 
     const std::vector<Material> list = endingsOf(options);
     const Workers workers{options.threads > 0 ? options.threads : usableProcessors(),
-                          &isInterrupted};
+                          &watchForInterrupt()};
     bool isDone = true;
     switch (options.task) {
         case Task::Make:
@@ -303,7 +296,7 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     try {
-        return vatro::egtb::run(argc, argv);
+        return vatro::egtb::run(vatro::programArguments(argc, argv));
     } catch (const std::bad_alloc&) {
         std::fputs("vatro-tbgen: out of memory\n", stderr);
         return EXIT_FAILURE;

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <string>
 
+#include "base/file.h"
+
 namespace vatro::egtb {
 
 class PartFile {
@@ -17,14 +19,8 @@ class PartFile {
     PartFile(const PartFile&) = delete;
     PartFile& operator=(const PartFile&) = delete;
 
-    enum class Claim {
-        Held,      // the table is ours to make
-        Unlocked,  // the same, but the file system gives no locks
-        Taken,     // another process is making it
-        Failed,    // see `fault`
-    };
     /// Creates and locks the file, or takes over that of a program that was killed.
-    Claim claim();
+    File::Claim claim();
     /// Why the last call failed, with what to do about it.
     const std::string& fault() const { return text; }
 
@@ -34,11 +30,12 @@ class PartFile {
 
   private:
     bool fail(const std::string& why);
+    bool failBySystem();
 
     std::string finalName;
     std::string partName;
     std::string text;
-    int descriptor = -1;
+    File file;
 };
 
 }  // namespace vatro::egtb

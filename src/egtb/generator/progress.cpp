@@ -2,7 +2,8 @@
 #include "egtb/generator/progress.h"
 
 #include <cstdio>
-#include <unistd.h>
+
+#include "base/console.h"
 
 namespace vatro::egtb {
 namespace {
@@ -17,7 +18,7 @@ double secondsSince(std::chrono::steady_clock::time_point start) {
 
 }  // namespace
 
-Progress::Progress(double work) : isTerminal(isatty(STDOUT_FILENO) != 0), totalWork(work) {}
+Progress::Progress(double work) : isTerminal(outputIsTerminal()), totalWork(work) {}
 
 double Progress::taskSeconds() const { return secondsSince(taskStart); }
 

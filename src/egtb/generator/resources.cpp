@@ -7,11 +7,11 @@
 #include <fstream>
 #include <limits>
 #include <optional>
-#include <sched.h>
 #include <sstream>
-#include <sys/resource.h>
 #include <system_error>
-#include <thread>
+
+#include "base/file.h"
+#include "base/process.h"
 
 namespace vatro::egtb {
 namespace {
@@ -98,12 +98,6 @@ std::uint64_t controlGroupMemory(const std::string& root) {
     return least;
 }
 
-std::uint64_t processMemory() {
-    rlimit limit{};
-    if (getrlimit(RLIMIT_AS, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) return Unlimited;
-    return limit.rlim_cur;
-}
-
 /// Whole processors that the control group's quota amounts to; a large number without one.
 int quotaProcessors() {
     std::ifstream file("/sys/fs/cgroup/cpu.max");  // "max 100000" or "200000 100000"
@@ -117,23 +111,16 @@ int quotaProcessors() {
 
 std::uint64_t availableMemory(const std::string& root) {
     const std::uint64_t least =
-        std::min({systemMemory(root), controlGroupMemory(root), processMemory()});
+        std::min({systemMemory(root), controlGroupMemory(root), memoryLimit()});
     return least == Unlimited ? 0 : least;
 }
 
-int usableProcessors() {
-    int count = static_cast<int>(std::thread::hardware_concurrency());
-#if defined(__linux__)
-    cpu_set_t set;
-    CPU_ZERO(&set);
-    if (sched_getaffinity(0, sizeof(set), &set) == 0) count = CPU_COUNT(&set);
-#endif
-    return std::max(1, std::min(count, quotaProcessors()));
-}
+int usableProcessors() { return std::min(allowedProcessors(), quotaProcessors()); }
 
 std::uint64_t freeDiskSpace(const std::string& directory) {
     std::error_code error;
-    const std::filesystem::space_info space = std::filesystem::space(directory, error);
+    const std::filesystem::space_info space =
+        std::filesystem::space(standardPath(directory), error);
     return error ? 0 : space.available;
 }
 

@@ -1,24 +1,12 @@
-// base/regular_file.cpp - opening without waiting, then looking at what has been opened.
+// base/posix/regular_file.cpp - opening without waiting, then looking at what has been opened.
 #include "base/regular_file.h"
 
-#ifdef _WIN32
-#include <filesystem>
-#include <system_error>
-#else
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#endif
 
 namespace vatro {
 
-#ifdef _WIN32
-FileHandle openRegularFile(const std::string& path) {
-    std::error_code ignored;
-    if (!std::filesystem::is_regular_file(path, ignored)) return nullptr;
-    return FileHandle(std::fopen(path.c_str(), "rb"));
-}
-#else
 FileHandle openRegularFile(const std::string& path) {
     // Without O_NONBLOCK a pipe would be waited for. It means nothing for a regular file.
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
@@ -29,6 +17,9 @@ FileHandle openRegularFile(const std::string& path) {
     if (!file) ::close(descriptor);
     return file;
 }
-#endif
+
+FileHandle createFile(const std::string& path) {
+    return FileHandle(std::fopen(path.c_str(), "wb"));
+}
 
 }  // namespace vatro

@@ -1,13 +1,11 @@
-// base/program_folder.cpp - asking the system for the program's file.
+// base/posix/program_folder.cpp - asking the system for the program's file.
 //
 // The name in the arguments would not do: it may be relative, or found on the PATH.
 #include "base/program_folder.h"
 
 #include <system_error>
 
-#ifdef _WIN32
-#include <windows.h>
-#elif defined(__APPLE__)
+#if defined(__APPLE__)
 #include <mach-o/dyld.h>
 #elif defined(__linux__)
 #include <sys/auxv.h>
@@ -16,30 +14,16 @@
 namespace vatro {
 namespace {
 
-#ifdef _WIN32
-
 std::filesystem::path programFile() {
-    wchar_t name[32768];  // characters; the longest path that Windows knows
-    const DWORD length = GetModuleFileNameW(nullptr, name, static_cast<DWORD>(std::size(name)));
-    return {name, name + length};
-}
-
-#elif defined(__APPLE__)
-
-std::filesystem::path programFile() {
+    std::error_code error;
+#if defined(__APPLE__)
     char name[4096];
     std::uint32_t size = sizeof name;
     if (_NSGetExecutablePath(name, &size) != 0) return {};
-    std::error_code ignored;
-    return std::filesystem::canonical(name, ignored);
-}
-
+    return std::filesystem::canonical(name, error);
 #else
-
-std::filesystem::path programFile() {
-    std::error_code error;
     std::filesystem::path file = std::filesystem::read_symlink("/proc/self/exe", error);
-#ifdef __linux__
+#if defined(__linux__)
     // In a bare root folder there may be no /proc; the kernel also tells what it was asked to
     // start.
     if (error) {
@@ -49,9 +33,8 @@ std::filesystem::path programFile() {
     }
 #endif
     return file;
-}
-
 #endif
+}
 
 }  // namespace
 

@@ -1,4 +1,5 @@
-// base/system_thread.cpp - threads by way of POSIX, whose interface sets the size of the stack.
+// base/posix/system_thread.cpp - threads by way of POSIX, whose interface sets the size of the
+// stack.
 //
 // The standard library's threads take the system's default, which a user may have set too low for a
 // deep search.

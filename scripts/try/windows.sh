@@ -1,0 +1,202 @@
+#!/bin/bash
+# scripts/try/windows.sh - tries the programs for Windows under Wine and compares them with those for
+# Linux. Fails when one of the trials fails.
+#
+# Builds both unless VATRO_WINDOWS and VATRO_LINUX name build folders; that for Linux needs the tests.
+set -e
+cd "$(dirname "$(readlink -f "$0")")/../.."
+source=$PWD
+. scripts/packages.sh
+
+need wine64 test -x /usr/lib/wine/wine64
+need python3 has_program python3
+install_missing
+[ -n "$VATRO_WINDOWS" ] || scripts/build_windows.sh -DVATRO_ARCH=native
+windows=${VATRO_WINDOWS:-$source/build-windows}
+if [ -z "$VATRO_LINUX" ]; then
+    cmake --preset tests
+    cmake --build build --parallel "$(getconf _NPROCESSORS_ONLN)"
+fi
+linux=${VATRO_LINUX:-$source/build}
+cmake --build "$windows" --target signature
+
+work=$(mktemp -d)
+export WINEPREFIX=$work/wine WINEDEBUG=-all WINEDLLOVERRIDES="mscoree=;mshtml=" LANG=C.UTF-8 LC_ALL=C.UTF-8
+trap '/usr/lib/wine/wineserver64 -k 2> /dev/null; rm -rf "$work"' EXIT
+/usr/lib/wine/wine64 wineboot -i > /dev/null 2>&1
+
+# Each program under a name of its own that starts it under Wine.
+for program in vatro vatro-tbgen signature; do
+    printf '#!/bin/sh\nexec /usr/lib/wine/wine64 "%s/%s.exe" "$@"\n' "$windows" $program \
+        > "$work/$program"
+    chmod +x "$work/$program"
+done
+
+failures=0
+# trial NAME COMMAND...: says whether the command succeeds.
+trial() {
+    name=$1
+    shift
+    if "$@" > "$work/log" 2>&1; then
+        echo "passed: $name"
+    else
+        echo "FAILED: $name"
+        tail -20 "$work/log"
+        failures=$((failures + 1))
+    fi
+}
+
+# answers LINE...: what the engine answers to the lines.
+answers() {
+    printf '%s\n' "$@" | (cd "$work" && timeout 600 ./vatro)
+}
+
+# Waits up to 20 seconds for a text in a file.
+wait_for() {
+    for _ in $(seq 200); do
+        grep -q "$1" "$2" 2> /dev/null && return
+        sleep 0.1
+    done
+    return 1
+}
+
+self_test() {
+    answers selftest quit | tee "$work/selftest"
+    grep -q ", 0 tests failed, 0 tests skipped" "$work/selftest"
+}
+
+plain_line_ends() {
+    answers protover\ 2 quit > "$work/lines"
+    grep -q "feature done=1" "$work/lines" && ! grep -q $'\r' "$work/lines"
+}
+
+# A line of thinking comes while the search that prints it goes on.
+lines_come_at_once() {
+    { echo analyze && sleep 8 && echo exit && echo quit; } |
+        (cd "$work" && ./vatro) > "$work/thinking" &
+    for _ in $(seq 60); do
+        grep -q '^[0-9]' "$work/thinking" && break
+        sleep 0.1
+    done
+    lines=$(grep -c '^[0-9]' "$work/thinking")
+    wait
+    [ "$lines" -gt 0 ]
+}
+
+# The tests of sessions with the engine, but for those that ask for what Windows does not have: limits
+# set by a shell, pipes and devices in folders, a signal when nobody reads the output any more.
+skipped='Limits.*:StartUp.TakesNoConfigurationButFromARegularFile'
+skipped+=':DuringSearch.TheProgramEndsWhenNobodyReadsItsOutput'
+protocol() {
+    (cd "$work" && VATRO_PROGRAM=$work/vatro VATRO_PATIENCE_MS=60000 \
+        "$linux/protocol_tests" --gtest_filter="${VATRO_TRY_TESTS:-*}:-$skipped")
+}
+
+# games ARGUMENT...: timed games; none may be lost on time or fail.
+games() {
+    (cd "$work" && "$source/bench/fast_games.py" --at-once 1 --games 2 "$@") | tee "$work/games"
+    ! grep -qE "forfeit|failed|refused" "$work/games"
+}
+
+two_threads() {
+    printf '#!/bin/sh\nexec "%s/vatro" -cores 2\n' "$work" > "$work/vatro2"
+    chmod +x "$work/vatro2"
+    games --moves 20 --seconds 10 "$work/vatro2"
+}
+
+# The names of the folders are not in any old character set at once.
+tables="$work/Tabelle è таблица"
+
+same_tables() {
+    "$linux/vatro-tbgen" --pieces 3 KRKP --out "$work/tables" &&
+        "$work/vatro-tbgen" --pieces 3 KRKP --out "Z:$tables" &&
+        diff -r "$work/tables" "$tables" &&
+        "$work/vatro-tbgen" --verify --pieces 3 --out "Z:$tables"
+}
+
+probes() {
+    answers "egtpath gaviota Z:$tables" "setboard 8/8/8/8/8/2k5/8/K2Q4 w - - 0 1" "sd 12" go |
+        tee "$work/probes"
+    grep -q '^[0-9]' "$work/probes"
+}
+
+# The generator makes a table anew that the engine has open.
+replacing() {
+    mkfifo "$work/commands"
+    (cd "$work" && ./vatro) < "$work/commands" > "$work/replacing" &
+    engine=$!
+    exec 5> "$work/commands"
+    printf '%s\n' xboard "egtpath gaviota Z:$tables" \
+        "setboard 8/8/8/3k4/8/8/3P4/3K4 w - - 0 1" "sd 8" go >&5
+    wait_for "^move" "$work/replacing" || return 1
+    # Damaged, so that it is made again.
+    printf 'x' | dd of="$tables/KPK.gtb.cp4" bs=1 seek=1000 conv=notrunc
+    "$work/vatro-tbgen" KPK --out "Z:$tables" &&
+        cmp "$work/tables/KPK.gtb.cp4" "$tables/KPK.gtb.cp4" || return 1
+    printf '%s\n' new "setboard 8/8/8/3k4/8/8/3P4/3K4 w - - 0 1" go "ping 7" quit >&5
+    exec 5>&-
+    wait $engine && grep -q "^pong 7" "$work/replacing" &&
+        [ -z "$(find "$tables" -type f ! -name '*.gtb.cp4')" ]
+}
+
+interrupt() {
+    "$work/vatro-tbgen" KQRK --threads 1 --out "Z:$work/interrupted" > "$work/interrupt" 2>&1 &
+    for _ in $(seq 200); do
+        [ -z "$(find "$work/interrupted" -name 'KQRK*.part' 2> /dev/null)" ] || break
+        sleep 0.05
+    done
+    kill -INT $!
+    ! wait $! && [ -z "$(find "$work/interrupted" -name '*.part')" ] &&
+        grep -q interrupted "$work/interrupt"
+}
+
+# The first moves of thirty games in one session.
+book_is_varied() {
+    # e2e4 and d2d4 in the start position, with the same weight.
+    python3 - > "$work/book.bin" << 'END'
+import struct, sys
+for move in 0x31C, 0x2DB:
+    sys.stdout.buffer.write(struct.pack(">QHHI", 0x463B96181691FC9C, move, 1, 0))
+END
+    { for _ in $(seq 30); do printf 'new\ngo\n' && sleep 0.2; done && echo quit; } |
+        (cd "$work" && ./vatro) > "$work/book"
+    grep '^move' "$work/book" | sort | uniq -c
+    [ "$(grep '^move' "$work/book" | sort -u | wc -l)" -gt 1 ]
+}
+
+# processor_time PROGRAM DEPTH: milliseconds that the fixed searches take, the least of three runs.
+processor_time() {
+    TIMEFORMAT=%U
+    for _ in 1 2 3; do
+        { time "$1" "$2" > /dev/null 2>&1; } 2>&1 | awk '{ print int(1000 * $1) }'
+    done | sort -n | head -1
+}
+
+# search_time PROGRAM: the same without the start of the program, which takes long under Wine.
+search_time() {
+    echo $(($(processor_time "$1" 9) - $(processor_time "$1" 1)))
+}
+
+fast_search() {
+    under_wine=$(search_time "$work/signature")
+    native=$(search_time "$linux/signature")
+    echo "milliseconds: $native, under Wine $under_wine"
+    [ "$under_wine" -gt 0 ] && [ $((under_wine * 2)) -lt $((native * 3)) ]
+}
+
+trial "selftest" self_test
+trial "lines end as on Linux" plain_line_ends
+trial "thinking is shown while it goes on" lines_come_at_once
+trial "the same nodes" sh -c "'$work/signature' 8 | grep -q ' 919954 nodes'"
+trial "a search within 1.5 times the time" fast_search
+trial "tables are the same bytes, in a folder with a name in other alphabets" same_tables
+trial "probes of these tables" probes
+trial "a table replaced while the engine has it open" replacing
+trial "Ctrl-C leaves no unfinished table" interrupt
+trial "the book is varied" book_is_varied
+trial "timed games with one thread" games --moves 20 --seconds 10 "$work/vatro"
+trial "timed games with two threads" two_threads
+trial "the protocol tests" protocol
+
+[ $failures = 0 ] || echo "$failures of the trials failed"
+[ $failures = 0 ]
