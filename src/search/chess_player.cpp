@@ -45,6 +45,12 @@ void ChessPlayer::preparePlayer(bool reset) {
     if (reset && ttHashSizeMB == wantedTT && pawnHashSizeMB == wantedPawnHash) tablesUsed = false;
 }
 
+void ChessPlayer::prepareFully() {
+    if (isSearching()) return;
+    preparePlayer(false);
+    warmer.waitUntilComplete();
+}
+
 bool ChessPlayer::isReady() const {
     return !threadPool.empty() && ttAllocatedFor != 0 && pawnHashAllocatedFor != 0;
 }

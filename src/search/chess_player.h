@@ -39,6 +39,9 @@ class ChessPlayer final : public SearchInterface {
     /// a search runs: the next preparation will. Makes do with smaller tables at the start, and
     /// with fewer threads, when the system has no more.
     void preparePlayer(bool reset);
+    /// Prepares without `reset`, and returns when the system has handed out the tables' memory: the
+    /// first search would else wait for it. Does nothing while a search runs.
+    void prepareFully();
     /// Whether the last preparation had the memory and the threads without which there is no search
     /// (reported).
     bool isReady() const;

@@ -41,13 +41,16 @@ struct SearchRecord final : SearchInterface, SearchReporter {
         unsigned depth;
         int score;
         std::vector<Move> moves;
+        unsigned rank;
     };
     std::vector<Line> lines;
+    std::vector<Line> allLines;  // those, too, whose score is only a bound
     std::vector<Move> refusedMoves;
     std::optional<StopReport> stop;
 
     void clear() {
         lines.clear();
+        allLines.clear();
         refusedMoves.clear();
         stop.reset();
         looksAtClock = 0;
@@ -60,9 +63,10 @@ struct SearchRecord final : SearchInterface, SearchReporter {
         return false;
     }
     void printThinking(const RootLine& best) override {
-        if (best.bound != Bound::Exact) return;
         const PrincipalVariation& line = best.line;
-        lines.push_back({best.depth, best.score, {line.moves, line.moves + line.length}});
+        allLines.push_back(
+            {best.depth, best.score, {line.moves, line.moves + line.length}, best.rank});
+        if (best.bound == Bound::Exact) lines.push_back(allLines.back());
     }
     void printStatistics() override {}
     void reportStop(const StopReport& report) override { stop = report; }

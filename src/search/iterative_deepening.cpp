@@ -78,7 +78,7 @@ SearchResult Searcher::iterate() {
     // 1. Nothing to search where the tablebases know every move.
     if (root.isResolved()) {
         if (!isMain) return {};
-        context.player.printThinking({0, previous, Bound::Exact, 1, best});
+        reportResolved(root);
         context.player.printStatistics();
         return discardFlag ? SearchResult{} : SearchResult{best.first(), NoMove};
     }
@@ -100,9 +100,9 @@ SearchResult Searcher::iterate() {
         }
         if (!isMain || stopped()) continue;
         easyIterations = bestStandsOut ? easyIterations + 1 : 0;
-        searchOtherLines<Us>(depth, {best, previous}, root.legalMoves);
+        searchOtherLines<Us>(depth, {best, previous}, root.moves.count);
         if (stopped()) continue;
-        if (const auto stop = reasonToStop(depth, root.legalMoves, previous, best.first())) {
+        if (const auto stop = reasonToStop(depth, root.moves.count, previous, best.first())) {
             context.reporter.reportStop(*stop);
             stopFlag = true;
         }
@@ -115,20 +115,46 @@ SearchResult Searcher::iterate() {
     return {best.first(), best.second()};
 }
 
+/// The best moves by the scores of the tablebases.
+void Searcher::reportResolved(RootScan& root) const {
+    context.player.printThinking({0, root.score, Bound::Exact, 1, root.best});
+    ScoredMove* const moves = root.moves.moves;
+    std::stable_sort(moves, moves + root.moves.count,
+                     [](const ScoredMove& a, const ScoredMove& b) { return a.score > b.score; });
+    for (unsigned i = 1; i < std::min(context.limits.lines, root.moves.count); ++i) {
+        PrincipalVariation line;
+        line.setTo(moves[i].move);
+        context.player.printThinking({0, moves[i].score, Bound::Exact, i + 1, line});
+    }
+}
+
 /// The next best lines, each without the first moves of those before it.
 template <Colour Us>
 void Searcher::searchOtherLines(int depth, const RankedLine& best, unsigned legalMoves) {
     const unsigned wanted = std::min(context.limits.lines, legalMoves);
     if (wanted <= 1) return;
-    rankedLines[0] = best;
+    placeLine(0, best);
     for (linesFound = 1; linesFound < wanted && !stopped(); ++linesFound) {
-        RankedLine& other = rankedLines[linesFound];
+        RankedLine other = rankedLines[linesFound];
         if (other.line.empty()) other.score = rankedLines[linesFound - 1].score;
-        PrincipalVariation line = other.line;
-        const int score = searchIteration<Us>(other.score, depth, line);
-        if (!line.empty()) other = {line, score};
+        other.score = searchIteration<Us>(other.score, depth, other.line);
+        if (!other.line.empty()) placeLine(linesFound, other);
     }
     linesFound = 0;
+}
+
+/// Gives a line its rank. What an earlier iteration knew of its first move is forgotten, and the
+/// other moves keep their order: so none of the lines that follow begins with a move that has been
+/// found already.
+void Searcher::placeLine(unsigned rank, const RankedLine& found) {
+    const auto place = rankedLines.begin() + rank;
+    const Move first = found.line.first();
+    auto old = std::find_if(place, rankedLines.end(), [first](const RankedLine& known) {
+        return known.line.first() == first;
+    });
+    if (old == rankedLines.end()) --old;
+    std::rotate(place, old, old + 1);
+    *place = found;
 }
 
 /// Searches the root with a narrow window around the previous score, and with wider ones until the
@@ -141,11 +167,6 @@ int Searcher::searchIteration(int previous, int depth, PrincipalVariation& line)
     for (;;) {
         const int score = searchRoot<Us>({low, high, 0, depth}, line);
         if (stopped() || (score > low && score < high)) return score;
-        if (threadIndex == 0) {
-            const Bound bound = score >= high ? Bound::LowerBound : Bound::UpperBound;
-            context.player.printThinking(
-                {static_cast<unsigned>(depth), score, bound, linesFound + 1, line});
-        }
         if (score >= high) {
             high = std::max(bestPossible, score) + 1;
         } else {

@@ -13,10 +13,11 @@ constexpr int EarlyStopDepth = 6;
 struct Searcher::RootScan {
     PrincipalVariation best;  // one move, none when there is no legal one
     int score = -MateScore;
-    unsigned legalMoves = 0;  // those that the limits allow
-    unsigned resolved = 0;    // those of them whose score the tablebases know
+    MoveList moves;  // the legal ones that the limits allow
+    unsigned resolved =
+        0;  // those of them whose score the tablebases know; all scores are set then
 
-    bool isResolved() const { return resolved == legalMoves; }
+    bool isResolved() const { return resolved == moves.count; }
 };
 
 }  // namespace vatro

@@ -112,7 +112,9 @@ inline int Searcher::searchMoves(Picker& picker,
         isFirst = false;
     }
     if (isFirst) return node.inCheck ? node.height - MateScore : DrawScore;  // mate, stalemate
-    store(node, best.score(), line.first());
+    bool hasSeenAllMoves = true;
+    if constexpr (requires { picker.leavesOutMoves(); }) hasSeenAllMoves = !picker.leavesOutMoves();
+    if (hasSeenAllMoves) store(node, best.score(), line.first());
     return best.score();
 }
 

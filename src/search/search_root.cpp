@@ -25,15 +25,21 @@ class Searcher::RootPicker {
 
     template <Colour Us>
     Move next() {
-        Move move = picker.next<Us>();
-        while (move && !searcher.isAllowedAtRoot(move))
-            move = picker.next<Us>();
-        if (move && searcher.threadIndex == 0) {
-            searcher.context.reporter.reportRootMove({static_cast<unsigned>(depth), move, ++count,
+        do {
+            latest = picker.next<Us>();
+        } while (latest && !searcher.isAllowedAtRoot(latest));
+        if (latest && searcher.threadIndex == 0) {
+            searcher.context.reporter.reportRootMove({static_cast<unsigned>(depth), latest, ++count,
                                                       searcher.context.timeControl.searchTime()});
         }
-        return move;
+        return latest;
     }
+    /// The best score is then not that of the position.
+    bool leavesOutMoves() const {
+        return searcher.linesFound > 0 || !searcher.context.limits.rootMoves.empty();
+    }
+
+    Move latest = NoMove;
 
   private:
     MovePicker& picker;
@@ -50,8 +56,10 @@ Searcher::RootScan Searcher::scanRoot() {
     MoveList list;
     generateLegalMoves<Us>(board, computePins<Us>(board, findCheckers<Us>(board)), list);
     for (const ScoredMove& entry : list) {
-        if (!isAllowedAtRoot(entry.move)) continue;
-        ++scan.legalMoves;
+        if (isAllowedAtRoot(entry.move)) scan.moves.add(entry.move);
+    }
+    for (unsigned i = 0; i < scan.moves.count; ++i) {
+        ScoredMove& entry = scan.moves.moves[i];
         const int score = scoreAfter<Us>(entry.move, [&] {
             if (board.totalCount() <= MaxTablebasePieces) {
                 if (const std::optional<int> theirs = probeTablebases<Them>(true)) {
@@ -61,6 +69,7 @@ Searcher::RootScan Searcher::scanRoot() {
             }
             return -evaluateHere({-MateScore, MateScore, 1, 0});
         });
+        entry.score = static_cast<std::int16_t>(score);
         if (score > scan.score) {
             scan.score = score;
             scan.best.setTo(entry.move);
@@ -88,6 +97,10 @@ int Searcher::searchRoot(const NodeWindow& window, PrincipalVariation& line) {
     const std::int32_t startTime = measures ? context.timeControl.searchTime() : 0;
 
     // 2. What is noted after each move that does not cut off. Thread 0 reports a better line.
+    const auto report = [&](int score, Bound bound, const PrincipalVariation& best) {
+        context.player.printThinking(
+            {static_cast<unsigned>(node.depth), score, bound, linesFound + 1, best});
+    };
     int best = -MateScore;
     int secondBest = -MateScore;
     int moves = 0;
@@ -97,10 +110,7 @@ int Searcher::searchRoot(const NodeWindow& window, PrincipalVariation& line) {
             secondBest = std::max(secondBest, score);
         } else {
             best = score;
-            if (isMain && score > node.alpha) {
-                context.player.printThinking(
-                    {static_cast<unsigned>(node.depth), score, Bound::Exact, linesFound + 1, line});
-            }
+            if (isMain && score > node.alpha) report(score, Bound::Exact, line);
         }
         if (measures && moves == 2) {
             firstMovesTime = context.timeControl.searchTime() - startTime;
@@ -113,6 +123,12 @@ int Searcher::searchRoot(const NodeWindow& window, PrincipalVariation& line) {
     RootPicker allowed(picker, *this, node.depth);
     const int score = searchMoves<Us>(allowed, node, line, afterMove);
     if (score == AbortScore) return best;
+    if (isMain && score <= node.alpha) report(score, Bound::UpperBound, line);
+    if (isMain && score >= node.beta) {
+        PrincipalVariation cutting;  // the line keeps its moves, with which the search goes on
+        cutting.setTo(allowed.latest);
+        report(score, Bound::LowerBound, cutting);
+    }
     bestStandsOut = score < node.beta && moves > 1 && best > secondBest + EasyMargin;
     return score;
 }

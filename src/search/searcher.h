@@ -128,7 +128,9 @@ class alignas(64) Searcher {
     int searchIteration(int previous, int depth, PrincipalVariation& line);
     template <Colour Us>
     void searchOtherLines(int depth, const RankedLine& best, unsigned legalMoves);
+    void placeLine(unsigned rank, const RankedLine& found);
     bool isAllowedAtRoot(Move move) const;
+    void reportResolved(RootScan& root) const;
     /// The root, with a window's height of 0. `line` holds the moves to try first and receives the
     /// best line. The best score so far when the search is stopped.
     template <Colour Us>

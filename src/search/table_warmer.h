@@ -30,6 +30,8 @@ class TableWarmer {
     /// Returns when the tables are no longer touched, so that their memory may go. Takes no longer
     /// than a page.
     void cancel();
+    /// Returns when all pages are there. Main thread, while the warmer is not paused.
+    void waitUntilComplete() { thread.join(); }
     /// True when all pages are there. Any thread.
     bool isComplete() const { return complete; }
     /// The same for those who keep looking.

@@ -106,7 +106,10 @@ void UciEngine::runLine(std::string_view line) {
 
 void UciEngine::setDebug(const std::string& rest) { reporter.setDebug(rest == "on"); }
 
-void UciEngine::confirmReady(const std::string& /*rest*/) { say("readyok\n"); }
+void UciEngine::confirmReady(const std::string& /*rest*/) {
+    player.prepareFully();  // no clock runs yet
+    say("readyok\n");
+}
 
 void UciEngine::ignore(const std::string& /*rest*/) {}
 
@@ -191,23 +194,21 @@ bool UciEngine::playsFromBook(const GoCommand& command) {
 
 void UciEngine::startSearch(const GoCommand& command) {
     latest = command;
+    const bool hasClock = command.timeLeftMs[player.game.board.toMove()].has_value();
+    const bool isEndless = command.ponder || command.infinite;
+    const bool isLimited = hasClock || command.depth > 0 || command.nodes > 0 ||
+                           command.mateMoves > 0 || command.moveTimeMs > 0;
     timeControl.stop();
     timeControl.depthLimited = command.depth > 0;
     timeControl.maxDepth = command.depth;
     setClock(command);
-    const bool isLimited = command.depth > 0 || command.nodes > 0 || command.mateMoves > 0 ||
-                           command.moveTimeMs > 0 || command.timeLeftMs[player.game.board.toMove()];
-    const bool isTimed = command.timeLeftMs[player.game.board.toMove()] && !command.moveTimeMs;
-    timeControl.timed = isTimed && !command.ponder && !command.infinite;
-    player.limits = {command.searchMoves, lines, command.nodes,
-                     command.ponder || command.infinite || !command.moveTimeMs
-                         ? 0
-                         : std::max(1, toCentiseconds(command.moveTimeMs))};
+    timeControl.timed = hasClock && command.moveTimeMs == 0 && !isEndless;
+    player.limits = {command.searchMoves, lines, command.nodes, isEndless ? 0 : fixedTime()};
     reporter.stopAtMate(command.mateMoves, player);
     {
         const std::lock_guard lock(answerMutex);
         answer.clear();
-        holdsAnswer = command.ponder || command.infinite || !isLimited;
+        holdsAnswer = isEndless || !isLimited;
     }
     player.startSearch();
 }
@@ -217,13 +218,21 @@ void UciEngine::setClock(const GoCommand& command) {
     const Colour us = player.game.board.toMove();
     const std::uint32_t fullMove = player.game.plyCount / 2 + 1;
     timeControl.restartGame();
-    timeControl.timePerMove = static_cast<std::uint32_t>(toCentiseconds(command.moveTimeMs));
-    if (command.moveTimeMs > 0 && timeControl.timePerMove == 0) timeControl.timePerMove = 1;
+    timeControl.timePerMove = static_cast<std::uint32_t>(
+        command.moveTimeMs > 0 ? std::max(1, toCentiseconds(command.moveTimeMs)) : 0);
     const std::int32_t left = toCentiseconds(command.timeLeftMs[us].value_or(0));
     timeControl.movesPerSession = command.movesToGo ? fullMove + command.movesToGo - 1 : 0;
     timeControl.baseTime = static_cast<std::uint32_t>(std::max(left, 0));
     timeControl.increment = static_cast<std::uint32_t>(toCentiseconds(command.incrementMs[us]));
     player.setTimeLeft(left);
+}
+
+/// What of the time for this move alone is for the search, in centiseconds: a search for a fixed
+/// time has no plan that could end it sooner. 0 where "go" gave no such time.
+std::int32_t UciEngine::fixedTime() const {
+    const auto time = static_cast<std::int32_t>(timeControl.timePerMove);
+    const auto reserve = static_cast<std::int32_t>(timeControl.reserve);
+    return time - std::min(reserve, time / 2);
 }
 
 void UciEngine::makeEngineMove(Move move) {

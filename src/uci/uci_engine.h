@@ -69,6 +69,7 @@ class UciEngine final : public EngineInterface {
     void handleEndOfInput();
     void startSearch(const GoCommand& command);
     void setClock(const GoCommand& command);
+    std::int32_t fixedTime() const;
     /// Whether the answer could come from the book, and did.
     bool playsFromBook(const GoCommand& command);
     void releaseAnswer();

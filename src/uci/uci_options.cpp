@@ -10,7 +10,7 @@
 namespace vatro {
 namespace {
 
-constexpr int MostLines = 256;        // of MultiPV; no position has many more moves
+constexpr int MostLines = 256;        // of MultiPV; no position has more moves
 constexpr int MostOverheadMs = 5000;  // no derivation
 
 std::string spin(int value, int min, int max) {
@@ -45,6 +45,14 @@ std::string change(const char* name, ChessPlayer& player, const std::string& val
     const std::string given = value == "<empty>" ? "" : value;
     if (!setting.accepts(given)) return "value out of range";
     return setting.change(player, given) ? "" : "not enough memory";
+}
+
+/// The same; the value is that of a check.
+std::string changeFlag(bool& flag, const std::string& value) {
+    const std::string word = lowerCase(value);
+    if (word != "true" && word != "false") return "neither true nor false";
+    flag = word == "true";
+    return {};
 }
 
 }  // namespace
@@ -91,7 +99,7 @@ std::span<const UciEngine::Option> UciEngine::options() {
          [](Engine&, Value) { return std::string(); }},
         {"OwnBook",
          [](const Engine& e) { return check(e.usesBook); },
-         [](Engine& e, Value value) { e.usesBook = lowerCase(value) == "true"; return std::string(); }},
+         [](Engine& e, Value value) { return changeFlag(e.usesBook, value); }},
         {"BookFile",
          [](const Engine& e) { return vatro::describe("bookFilePath", e.player); },
          [](Engine& e, Value value) { return change("bookFilePath", e.player, value); }},
@@ -116,7 +124,7 @@ std::span<const UciEngine::Option> UciEngine::options() {
          [](Engine& e, Value) { e.player.preparePlayer(true); return std::string(); }},
         {"UCI_AnalyseMode",
          [](const Engine& e) { return check(e.analyses); },
-         [](Engine& e, Value value) { e.analyses = lowerCase(value) == "true"; return std::string(); }},
+         [](Engine& e, Value value) { return changeFlag(e.analyses, value); }},
         {"UCI_EngineAbout",
          [](const Engine&) { return textField(std::string(ProgramTitle) + ", a chess engine"); },
          [](Engine&, Value) { return std::string(); }},

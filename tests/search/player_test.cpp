@@ -9,9 +9,9 @@
 
 #include <gtest/gtest.h>
 
-#include "search/fixed_search.h"
 #include "board/legality.h"
 #include "search/chess_player.h"
+#include "search/fixed_search.h"
 
 namespace vatro {
 namespace {

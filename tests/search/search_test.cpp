@@ -3,12 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include "search/fixed_search.h"
 #include "board/attacks.h"
 #include "board/legality.h"
 #include "board/make_move.h"
 #include "board/move_generation.h"
 #include "eval/scores.h"
+#include "search/fixed_search.h"
 
 namespace vatro {
 namespace {
@@ -135,6 +135,49 @@ TEST_F(SearchTest, PlaysForRepetitionWhenItIsLosing) {
     // White is a rook and a pawn down, and its queen can check for ever.
     EXPECT_EQ(bestOf("6k1/6p1/8/7Q/8/8/rq6/7K w - - 0 1", 8), "h5e8");
     EXPECT_EQ(score(), 0);
+}
+
+// What only some of the root's moves are worth is not what the position is worth.
+TEST_F(SearchTest, ARestrictedRootLeavesNoScoreForOtherSearches) {
+    setUp(fixedPositions[4]);
+    for (const char* text : {"e2a6", "a2a3"}) {
+        search.limits.rootMoves.assign(1, findLegalMove(game->board, text));
+        EXPECT_EQ(moveToText(search.run(game->board, 5).best), text);
+        const auto stored = search.table.probe(game->board.record().key);
+        EXPECT_TRUE(!stored || stored->bound == Bound::LowerBound) << text;
+    }
+    search.limits = {{}, 3, 0, 0};
+    const Move best = search.run(game->board, 5).best;
+    const auto stored = search.table.probe(game->board.record().key);
+    ASSERT_TRUE(stored);
+    EXPECT_EQ(stored->move, best);
+}
+
+TEST_F(SearchTest, NoLineBeginsWithTheMoveOfABetterOne) {
+    for (const char* fen : {fixedPositions[4], fixedPositions[7], fixedPositions[8]}) {
+        SCOPED_TRACE(fen);
+        constexpr unsigned Lines = 4;
+        setUp(fen);
+        search.limits.lines = Lines;
+        const Move best = search.run(game->board, 6).best;
+        Move firstMoves[Lines] = {};
+        unsigned depth = 0;
+        for (const SearchRecord::Line& line : search.record.allLines) {
+            if (line.depth != depth) {
+                EXPECT_TRUE(depth == 0 || firstMoves[Lines - 1]) << "too few lines at " << depth;
+                std::fill_n(firstMoves, Lines, NoMove);
+                depth = line.depth;
+            }
+            ASSERT_LE(line.rank, Lines);
+            if (line.moves.empty()) continue;  // no move is good enough for the window
+            Move* const end = firstMoves + line.rank - 1;
+            EXPECT_EQ(std::find(firstMoves, end, line.moves[0]), end) << "at depth " << depth;
+            firstMoves[line.rank - 1] = line.moves[0];
+        }
+        EXPECT_EQ(depth, 6U);
+        EXPECT_EQ(best, firstMoves[0]);
+        expectLegalLines(search, game->board);
+    }
 }
 
 TEST_F(SearchTest, PositionsWithoutMovesGiveNone) {

@@ -12,9 +12,8 @@ namespace {
 struct Warmer : testing::Test {
     void SetUp() override { ASSERT_TRUE(table.resize(64) && pawnHash.resize(1)); }
     void waitUntilComplete() {
-        while (!warmer.isComplete()) {
-            std::this_thread::yield();
-        }
+        warmer.waitUntilComplete();
+        EXPECT_TRUE(warmer.isComplete());
     }
 
     TranspositionTable table;

@@ -3,11 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include "search/fixed_search.h"
 #include "board/attacks.h"
 #include "board/move_generation.h"
 #include "egtb/test_tables.h"
 #include "eval/scores.h"
+#include "search/fixed_search.h"
 
 namespace vatro {
 namespace {
@@ -59,6 +59,21 @@ TEST_F(TablebasePlay, WonEndingsMateInTheAnnouncedNumberOfPlies) {
         EXPECT_TRUE(inCheck(game->board));
     }
     EXPECT_EQ(won, 200);
+}
+
+TEST_F(TablebasePlay, SeveralLinesComeInTheOrderOfTheirScores) {
+    ASSERT_TRUE(game->setup("4k3/8/8/8/8/7r/8/K2Q4 w - - 0 1"));
+    search.limits.lines = 5;
+    search.run(game->board, 3);
+    MoveList list;
+    generateLegalMoves(game->board, list);
+    const auto& lines = search.record.lines;
+    ASSERT_EQ(lines.size(), std::min(5U, list.count));
+    for (std::size_t i = 1; i < lines.size(); ++i) {
+        EXPECT_EQ(lines[i].rank, i + 1);
+        EXPECT_LE(lines[i].score, lines[i - 1].score);
+        EXPECT_NE(lines[i].moves, lines[0].moves);
+    }
 }
 
 TEST_F(TablebasePlay, CastlingRightsKeepThePositionOutOfTheTables) {

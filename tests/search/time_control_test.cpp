@@ -46,6 +46,22 @@ TEST(TimePlan, SharesTheTimeUpToTheEndOfTheSession) {
     }
 }
 
+TEST(TimePlan, ATimeForEachMoveIsAllOfIt) {
+    TimeControl control;
+    control.timeUsed = 29000;
+    control.setTimeLeft(50, 10);
+    control.timePerMove = 500;
+    EXPECT_EQ(planTime(control, 10).max, 500);
+    control.startSearch();
+    control.timeForMove = 500;
+    const auto limit = control.limitTimeForMove(10, 0);
+    ASSERT_TRUE(limit);
+    EXPECT_LE(limit->timeForMove, 497);
+    EXPECT_GT(limit->timeForMove, 450);  // a busy machine may be late
+    control.reset();
+    EXPECT_EQ(planTime(control, 0).max, 675);
+}
+
 TEST(TimeControl, ARunningClockGoesOnIntoTheNextSearch) {
     TimeControl control;
     control.timeUsed = 500;
