@@ -1,7 +1,8 @@
-// program/main.cpp - the program: prints what an argument asks for, or runs the front end that is spoken
-// to.
+// program/main.cpp - the program: prints what an argument asks for, or runs the front end that is
+// spoken to.
 #include <chrono>
 #include <cstdlib>
+#include <memory>
 #include <new>
 #include <string>
 #include <vector>
@@ -50,6 +51,14 @@ int bench(const Args& args) {
     return nodes > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
+/// False when there is no memory or no thread for a search.
+template <typename Engine>
+bool runEngine(Engine& engine, const Args& args) {
+    engine.startUp(args);
+    if (engine.isReady()) engine.runCommandLoop();
+    return engine.isReady();
+}
+
 /// Speaks the WinBoard protocol, or UCI when the first line asks for it.
 int converse(const Args& args) {
     setUpConsole();
@@ -59,16 +68,12 @@ int converse(const Args& args) {
         say("# ERROR: no thread for the input\n");
         return EXIT_FAILURE;
     }
-    {
-        WBEngine engine(input);
-        engine.startUp(args);
-        if (engine.isReady()) engine.runCommandLoop();
-        if (!engine.uciIsRequested()) return engine.isReady() ? EXIT_SUCCESS : EXIT_FAILURE;
-    }
-    UciEngine engine(input);
-    engine.startUp(args);
-    if (engine.isReady()) engine.runCommandLoop();
-    return engine.isReady() ? EXIT_SUCCESS : EXIT_FAILURE;
+    // The engines hold boards, too large for a small stack.
+    auto engine = std::make_unique<WBEngine>(input);
+    const bool isReady = runEngine(*engine, args);
+    if (!engine->uciIsRequested()) return isReady ? EXIT_SUCCESS : EXIT_FAILURE;
+    engine.reset();
+    return runEngine(*std::make_unique<UciEngine>(input), args) ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 int run(const Args& args) {

@@ -59,7 +59,7 @@ TEST(Clock, SecondsForAMoveHoldUntilALevel) {
     EXPECT_EQ(session.nextLine("# clock holds"), "# clock holds 100: corrected maxTime = 97");
     EXPECT_NE(session.nextMove(), "");
     session.send("level 40 5 0\nusermove a7a6");
-    EXPECT_EQ(session.nextLine("# set maxTime").substr(0, 18), "# set maxTime = 67");
+    EXPECT_EQ(session.nextLine("# set maxTime").substr(0, 18), "# set maxTime = 69");
     session.send("force");
     session.allAnswersTo("");
 }
