@@ -109,7 +109,7 @@ TEST(SearchStops, AreExplained) {
     };
     for (const auto& [fen, reason] : cases) {
         Session session;
-        session.send(std::string("setboard ") + fen + "\ngo");
+        session.send(std::string("level 1 60 0\nsetboard ") + fen + "\ngo");
         session.nextLine(reason);
         session.nextMove();
         session.answersTo("");
