@@ -163,8 +163,6 @@ void ChessPlayer::reportTablebaseFaults() {
 
 void ChessPlayer::startSearch() {
     tablesUsed = true;
-    // The clock runs already while the threads wake, which takes a while on a busy machine.
-    timeControl.startSearch();
     if (threadCount() >= maxCores) warmer.pause();
     // Thread 0 comes last: it may end at once, and stops only helpers that have started.
     for (std::size_t i = threadPool.size(); i-- > 0;) {

@@ -27,6 +27,7 @@ void ChessPlayer::think(unsigned threadIndex, void* player) {
 }
 
 void ChessPlayer::thinkAndMove() {
+    timeControl.startSearch();
     if (timeControl.timed) {
         const TimePlan plan = planTime(timeControl, game.plyCount);
         reporter.reportTimePlan(plan);
