@@ -25,15 +25,15 @@ namespace {
 
 constexpr std::size_t MostLines = 30;  // of a run
 
-/// The line that is sent for one of the input's.
+/// The line that is sent for one of the input's: of an option's numbers only the first digit.
 std::string harmless(std::string line) {
-    std::replace(line.begin(), line.end(), '/', line.find("setoption") < line.size() ? '_' : '/');
-    if (line.find("Hash") < line.size() || line.find("Cache") < line.size()) {
-        const std::size_t value = line.find("value ");
-        if (value < line.size()) {
-            const std::size_t number = value + std::string_view("value ").size();
-            line = line.substr(0, number) + std::to_string(readNumber(line.substr(number)) % 8);
-        }
+    if (line.find("setoption") < line.size()) {
+        std::replace(line.begin(), line.end(), '/', '_');
+        const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+        const auto end = std::unique(line.begin(), line.end(), [isDigit](char a, char b) {
+            return isDigit(a) && isDigit(b);
+        });
+        line.erase(end, line.end());
     }
     return line.find("go") < line.size() ? line + " depth 2 movetime 20" : line;
 }

@@ -118,9 +118,11 @@ void putPiece(Board_0x88& board, Square square, Colour colour, std::uint8_t capt
     }
 }
 
-/// Turns a pawn on its last rank into `after`, or a promoted piece back into a pawn.
+/// Turns a pawn on its last rank into `after`, or a promoted piece back into a pawn. Inlined, its
+/// temporaries spill the registers of the common moves.
 template <Track T>
-void changeType(Board_0x88& board, Square64 sq64, Colour colour, PieceType after, Keys* keys) {
+[[gnu::noinline]] void changeType(
+    Board_0x88& board, Square64 sq64, Colour colour, PieceType after, Keys* keys) {
     const Square square = as88(sq64);
     const PieceType before = board.pieceAt(square);
     PieceList& list = board.pieceLists[colour];

@@ -4,6 +4,7 @@
 // transposition table.
 #include <algorithm>
 
+#include "board/selection_sort.h"
 #include "search/node.h"
 #include "search/root.h"
 
@@ -118,13 +119,11 @@ SearchResult Searcher::iterate() {
 /// The best moves by the scores of the tablebases.
 void Searcher::reportResolved(RootScan& root) const {
     context.player.printThinking({0, root.score, Bound::Exact, 1, root.best});
-    ScoredMove* const moves = root.moves.moves;
-    std::stable_sort(moves, moves + root.moves.count,
-                     [](const ScoredMove& a, const ScoredMove& b) { return a.score > b.score; });
+    sortAsSelected(root.moves);
     for (unsigned i = 1; i < std::min(context.limits.lines, root.moves.count); ++i) {
         PrincipalVariation line;
-        line.setTo(moves[i].move);
-        context.player.printThinking({0, moves[i].score, Bound::Exact, i + 1, line});
+        line.setTo(root.moves.moves[i].move);
+        context.player.printThinking({0, root.moves.moves[i].score, Bound::Exact, i + 1, line});
     }
 }
 
@@ -153,7 +152,7 @@ void Searcher::placeLine(unsigned rank, const RankedLine& found) {
         return known.line.first() == first;
     });
     if (old == rankedLines.end()) --old;
-    std::rotate(place, old, old + 1);
+    std::move_backward(place, old, old + 1);
     *place = found;
 }
 
