@@ -163,6 +163,9 @@ void ChessPlayer::reportTablebaseFaults() {
 
 void ChessPlayer::startSearch() {
     tablesUsed = true;
+    // One against the clock begins where its plan is printed. Any other begins here, so that its
+    // time is right when startClock comes before its thread is awake.
+    if (!timeControl.timed) timeControl.startSearch();
     if (threadCount() >= maxCores) warmer.pause();
     // Thread 0 comes last: it may end at once, and stops only helpers that have started.
     for (std::size_t i = threadPool.size(); i-- > 0;) {

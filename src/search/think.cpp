@@ -27,8 +27,8 @@ void ChessPlayer::think(unsigned threadIndex, void* player) {
 }
 
 void ChessPlayer::thinkAndMove() {
-    timeControl.startSearch();
     if (timeControl.timed) {
+        timeControl.startSearch();
         const TimePlan plan = planTime(timeControl, game.plyCount);
         reporter.reportTimePlan(plan);
         timeControl.timeForMove = plan.max;

@@ -112,6 +112,11 @@ void UciReporter::reportNoMemoryForTable(TableName table, unsigned megabytes) {
 
 void UciReporter::reportNoThread() { sayInfo("no thread for the search"); }
 
+void UciReporter::reportCores(const CoresReport& report) {
+    if (report.granted == report.requested) return;
+    sayInfo(formatted("%u threads instead of %u", report.granted, report.requested));
+}
+
 void UciReporter::reportNoMemoryForTablebases() { sayInfo("no memory for the tablebases"); }
 
 void UciReporter::reportTablebaseNotice(std::string_view notice) { sayInfo(notice); }

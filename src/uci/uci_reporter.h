@@ -27,6 +27,7 @@ class UciReporter final : public SearchReporter {
     void reportTableSize(TableName table, unsigned megabytes) override;
     void reportNoMemoryForTable(TableName table, unsigned megabytes) override;
     void reportNoThread() override;
+    void reportCores(const CoresReport& report) override;
     void reportNoMemoryForTablebases() override;
     void reportTablebaseNotice(std::string_view notice) override;
 

@@ -196,7 +196,8 @@ TEST_F(Uci, ErrorsLeaveThePosition) {
          {"position", "position fen", "position fen x", "position startpos moves e2e5",
           "position somewhere", "setoption", "setoption name Nothing value 1",
           "setoption name Hash value 0", "setoption name MultiPV value 1000",
-          "setoption name OwnBook value perhaps", "something else"}) {
+          "setoption name OwnBook value perhaps", "setoption name Threads value 100000",
+          "something else"}) {
         const Lines answers = answersTo(line);
         ASSERT_EQ(answers.size(), 1U) << line;
         EXPECT_TRUE(answers[0].starts_with("info string ")) << line;
@@ -221,7 +222,8 @@ TEST_F(Uci, EveryCommandInEveryStateIsFollowedByAMove) {
                                   "go wtime 100000 btime 100000",
                                   "go depth 1",
                                   "go infinite\nstop",
-                                  "go ponder\nponderhit"};
+                                  "go ponder\nponderhit",
+                                  "go ponder wtime 100000 btime 100000\nponderhit"};
     const char* const commands[] = {"uci",
                                     "debug on",
                                     "isready",
