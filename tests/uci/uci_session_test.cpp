@@ -272,7 +272,7 @@ TEST(Program, AnswersItsArguments) {
         Lines all{engineProgram()};
         all.insert(all.end(), args.begin(), args.end());
         ChildProcess process(all, directory.path.string());
-        const std::string output = process.readAll().value_or("");
+        std::string output = process.readAll().value_or("");
         EXPECT_EQ(process.waitForExit(), 0);
         return output;
     };
