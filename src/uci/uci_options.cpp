@@ -55,6 +55,16 @@ std::string changeFlag(bool& flag, const std::string& value) {
     return {};
 }
 
+/// Where the text has the word between blanks; npos when it has not.
+std::size_t findWord(std::string_view text, std::string_view word) {
+    const auto isBlank = [text](std::size_t at) { return text[at] == ' ' || text[at] == '\t'; };
+    for (std::size_t at = 0; (at = text.find(word, at)) != text.npos; ++at) {
+        const std::size_t end = at + word.size();
+        if ((at == 0 || isBlank(at - 1)) && (end == text.size() || isBlank(end))) return at;
+    }
+    return text.npos;
+}
+
 }  // namespace
 
 /// How an option is announced and set; `set` returns a fault, empty when it went well.
@@ -145,20 +155,22 @@ void UciEngine::identify(const std::string& /*rest*/) {
 
 /// "setoption name NAME [value VALUE]"; either may hold blanks.
 void UciEngine::setOption(const std::string& rest) {
-    if (!rest.starts_with("name ")) return sayInfo("setoption: no name");
-    const std::size_t valueAt = rest.find(" value");
-    const std::size_t nameAt = std::string_view("name ").size();
-    const std::string name(
-        trimBlanksAndTabs(std::string_view(rest).substr(0, valueAt).substr(nameAt)));
-    const std::string value(valueAt == std::string::npos
-                                ? std::string_view()
-                                : trimBlanksAndTabs(std::string_view(rest).substr(
-                                      valueAt + std::string_view(" value").size())));
+    constexpr std::string_view NameWord = "name";
+    constexpr std::string_view ValueWord = "value";
+    std::string_view text = rest;
+    if (findWord(text, NameWord) != 0) return sayInfo("setoption: no name");
+    text.remove_prefix(NameWord.size());
+    const std::size_t valueAt = std::min(findWord(text, ValueWord), text.size());
+    const std::string name(trimBlanksAndTabs(text.substr(0, valueAt)));
+    text.remove_prefix(std::min(valueAt + ValueWord.size(), text.size()));
+    const std::string value(trimBlanksAndTabs(text));
     for (const Option& option : options()) {
         if (lowerCase(std::string(option.name)) != lowerCase(name)) continue;
         endSearch();  // interfaces set options between searches
         const std::string fault = option.set(*this, value);
-        if (!fault.empty()) sayInfo("option " + name + ": " + fault + ": " + value);
+        if (!fault.empty()) {
+            sayInfo(formatted("option %s: %s: %s", name.c_str(), fault.c_str(), value.c_str()));
+        }
         return;
     }
     sayInfo("unknown option: " + name);

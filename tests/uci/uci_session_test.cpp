@@ -194,7 +194,8 @@ TEST_F(Uci, ErrorsLeaveThePosition) {
     answersTo("position fen 7k/8/6K1/8/8/8/8/R7 w - - 0 1");
     for (const char* line :
          {"position", "position fen", "position fen x", "position startpos moves e2e5",
-          "position somewhere", "setoption", "setoption name Nothing value 1",
+          "position somewhere", "setoption", "setoption name", "setoption name value 1",
+          "setoption named Hash value 2", "setoption name Nothing value 1",
           "setoption name Hash value 0", "setoption name MultiPV value 1000",
           "setoption name OwnBook value perhaps", "setoption name Threads value 100000",
           "something else"}) {
