@@ -50,6 +50,8 @@ struct Uci : testing::Test {
         return line.find(" currmove ") != std::string::npos;
     }
 
+    static bool isBestMove(const std::string& line) { return line.starts_with("bestmove "); }
+
     Session session{{}, smallTables, Session::Client::UserOnPipe};
     Lines greeting;
 };
@@ -175,6 +177,11 @@ TEST_F(Uci, AnEndlessSearchAnswersOnlyToStop) {
 }
 
 TEST_F(Uci, PonderingGoesOnWithTheTimeThatIsLeft) {
+    // A search that has ended by itself waits for the move.
+    session.send("position fen 7k/8/6K1/8/8/8/8/R7 w - - 0 1\ngo ponder wtime 1000 btime 1000");
+    session.nextLine("info nodes");
+    EXPECT_TRUE(answersTo("").empty());
+    EXPECT_EQ(bestMove("ponderhit"), "a1a8");
     session.send("position startpos moves e2e4 e7e5\ngo ponder wtime 3000 btime 3000");
     session.nextLine("info depth 4");
     EXPECT_EQ(bestMove("ponderhit").size(), 4U);
@@ -216,7 +223,7 @@ TEST_F(Uci, LongGamesAreTakenIn) {
     EXPECT_EQ(bestMove("go depth 2").size(), 4U);
 }
 
-TEST_F(Uci, EveryCommandInEveryStateIsFollowedByAMove) {
+TEST_F(Uci, EachSearchHasOneAnswerWhateverComesMeanwhile) {
     const char* const states[] = {"",
                                   "go infinite",
                                   "go ponder wtime 1000 btime 1000",
@@ -225,9 +232,8 @@ TEST_F(Uci, EveryCommandInEveryStateIsFollowedByAMove) {
                                   "go infinite\nstop",
                                   "go ponder\nponderhit",
                                   "go ponder wtime 100000 btime 100000\nponderhit"};
-    const char* const commands[] = {"uci",
+    const char* const commands[] = {"uci",  // each is followed by "isready"
                                     "debug on",
-                                    "isready",
                                     "setoption name Hash value 2",
                                     "setoption name Threads value 2",
                                     "setoption name Clear Hash",
@@ -241,9 +247,16 @@ TEST_F(Uci, EveryCommandInEveryStateIsFollowedByAMove) {
     for (const char* state : states) {
         for (const char* command : commands) {
             SCOPED_TRACE(std::string(state) + " | " + command);
-            answersTo(state);
-            answersTo(command);
-            answersTo("stop\nposition startpos moves e2e4\nsetoption name Threads value 1");
+            std::ptrdiff_t searches = 0;
+            std::ptrdiff_t answers = 0;
+            for (const std::string line :
+                 {state, command,
+                  "stop\nposition startpos moves e2e4\nsetoption name Threads value 1"}) {
+                searches += line.starts_with("go ");
+                const Lines lines = answersTo(line);
+                answers += std::count_if(lines.begin(), lines.end(), isBestMove);
+            }
+            EXPECT_EQ(answers, searches);
             const std::string move = bestMove("go depth 2");
             EXPECT_TRUE(move.size() == 4 && move[1] >= '7') << move;  // Black's
         }
