@@ -31,7 +31,7 @@ extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, st
 
 namespace {
 
-using Random = std::minstd_rand;
+using Dice = std::minstd_rand;
 using Words = std::vector<std::string>;
 
 constexpr std::size_t MostLines = 40;  // of a run
@@ -108,18 +108,18 @@ const char* const positions[] = {
     "8/8/8/8/8/2k5/8/K1BN4 w - - 90 1",
 };
 /// The name of a setting; now and then one that there is not.
-std::string settingName(Random& random) {
+std::string settingName(Dice& random) {
     const std::span<const Setting> all = settings();
     const std::size_t index = random() % (all.size() + 1);
     return index < all.size() ? std::string(all[index].name) : "name";
 }
 
 template <typename Table>
-std::string pick(const Table& table, Random& random) {
+std::string pick(const Table& table, Dice& random) {
     return table[random() % std::size(table)];
 }
 
-std::string randomMove(Random& random) {
+std::string randomMove(Dice& random) {
     std::string text;
     for (int i = 0; i < 2; ++i) {
         text += static_cast<char>('a' + random() % 8);
@@ -129,7 +129,7 @@ std::string randomMove(Random& random) {
     return text;
 }
 
-std::string randomLine(Random& random) {
+std::string randomLine(Dice& random) {
     switch (random() % 10) {
         case 0:
         case 1:
@@ -185,7 +185,7 @@ std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data,
                                     std::size_t size,
                                     std::size_t maxSize,
                                     unsigned seed) {
-    Random random(seed + 1);
+    Dice random(seed + 1);
     if (random() % 8 == 0) return LLVMFuzzerMutate(data, size, maxSize);
     Words lines = splitLines(data, size);
     const std::size_t at = lines.empty() ? 0 : random() % lines.size();
