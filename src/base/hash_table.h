@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "base/prefetch.h"
 #include "base/table_memory.h"
 
 namespace vatro {
@@ -64,6 +65,8 @@ class HashTable {
     /// The bucket of a key. The table must have memory.
     Bucket& bucketOf(std::uint64_t key) { return buckets[indexOf(key)]; }
     const Bucket& bucketOf(std::uint64_t key) const { return buckets[indexOf(key)]; }
+    /// Fetches the bucket of a key that will be looked up soon.
+    void prefetch(std::uint64_t key) const { vatro::prefetch(&bucketOf(key)); }
 
     /// Used entries among the first 65536, in percent of 65536 (a smaller table never reaches
     /// 100). Any thread; exact only between searches.

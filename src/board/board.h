@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "board/move.h"
+#include "board/score_sum.h"
 #include "board/types.h"
 
 namespace vatro {
@@ -108,7 +109,7 @@ class Board_0x88 final : public Board_Common {
     Colour colourAt(Square square) const { return static_cast<Colour>(colourOn[square]); }
     Colour toMove() const { return static_cast<Colour>(sideToMove); }
 
-    ScorePair pstScore[ColourCount];  // sums of the piece-square values, by colour
+    ScoreSum pstScore[ColourCount];  // sums of the piece-square values, by colour
     /// By colour and piece type: the squares of those pieces; by NoPiece: of all of them.
     SquareMask pieceMask[ColourCount][PieceTypeCount];
     std::uint8_t castlingRights;  // set of CastlingRight, within possibleRights

@@ -167,8 +167,9 @@ Square squareBehind(const Board_0x88& board, Square to) {
     return beside ? to - Side<Us>::Up : NoSquare;
 }
 
+/// Returns the keys of the position after the move, given those before.
 template <Colour Us, Track T>
-void make(Board_0x88& board, Move move, UndoRecord& undo, Keys& keys) {
+[[gnu::always_inline]] inline Keys make(Board_0x88& board, Move move, UndoRecord& undo, Keys keys) {
     using S = Side<Us>;
     const Square from = fromSquare(move);
     const Square to = toSquare(move);
@@ -217,10 +218,11 @@ void make(Board_0x88& board, Move move, UndoRecord& undo, Keys& keys) {
     board.castlingRights = static_cast<std::uint8_t>(board.castlingRights & kept);
     board.sideToMove = S::Them;
     keys.key ^= zobrist.side;
+    return keys;
 }
 
 template <Colour Us, Track T>
-void unmake(Board_0x88& board, Move move, const UndoRecord& undo) {
+[[gnu::always_inline]] inline void unmake(Board_0x88& board, Move move, const UndoRecord& undo) {
     using S = Side<Us>;
     const Square to = toSquare(move);
     board.sideToMove = Us;
@@ -254,8 +256,7 @@ template <Colour Us>
 void makeMove(Board_0x88& board, Move move, UndoRecord& undo) {
     assert(board.ply + 1 < PlyRecordCount && board.colourOn[fromSquare(move)] == Us);
     const PlyRecord& before = board.plyRecords[board.ply];
-    Keys keys = {before.key, before.pawnKey};
-    make<Us, Track::Game>(board, move, undo, keys);
+    const Keys keys = make<Us, Track::Game>(board, move, undo, {before.key, before.pawnKey});
     PlyRecord& after = board.plyRecords[++board.ply];
     after.key = keys.key;
     after.pawnKey = keys.pawnKey;
@@ -273,8 +274,8 @@ void unmakeMove(Board_0x88& board, Move move, const UndoRecord& undo) {
 template <Colour Us>
 void makeMovePerft(Board_0x88& board, Move move, UndoRecord& undo) {
     assert(board.perftPly + 1 < PerftKeyCount);
-    Keys keys = {board.perftKeys[board.perftPly], 0};
-    make<Us, Track::Perft>(board, move, undo, keys);
+    const Keys keys =
+        make<Us, Track::Perft>(board, move, undo, {board.perftKeys[board.perftPly], 0});
     board.perftKeys[++board.perftPly] = keys.key;
 }
 

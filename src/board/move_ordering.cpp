@@ -80,9 +80,10 @@ class ScoringSink {
     }
 
     void addQuiet(PieceType type, Move move, Square64 from, Square64 to) {
-        const int gain = killers.contains(from, to) ? KillerBonus
-                                                    : pieceSquareTable.at(Us, type, to).mg -
-                                                          pieceSquareTable.at(Us, type, from).mg;
+        const int gain = killers.contains(from, to)
+                             ? KillerBonus
+                             : pieceSquareTable.at(Us, type, to).middleGame() -
+                                   pieceSquareTable.at(Us, type, from).middleGame();
         list.add(move, gain - orderingValue[type]);
     }
 

@@ -46,6 +46,12 @@ class MovePicker {
     template <Colour Us>
     Move next();
 
+    /// The move that `next` will probably give after the one that it has just given; NoMove when
+    /// that is not known.
+    Move upcoming() const {
+        return stage == Stage::Sorted && current < list.count ? list.moves[current].move : NoMove;
+    }
+
   private:
     enum class Stage { First, Second, Generate, GoodCaptures, Selected, Sorted };
 

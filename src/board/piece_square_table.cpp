@@ -76,7 +76,8 @@ constexpr PieceSquareTable build() {
     for (int kind = 0; kind < PieceKindCount; ++kind) {
         for (const Square64 square : allSquares) {
             const int file = fileOf(square) < 4 ? fileOf(square) : 7 - fileOf(square);
-            const ScorePair value = leftHalf[kind][7 - rankOf(square)][file];
+            const ScorePair pair = leftHalf[kind][7 - rankOf(square)][file];
+            const ScoreSum value{pair.mg, pair.eg};
             table.values[White][kind][square] = value;
             table.values[Black][kind][mirrorRanks(square)] = value;
         }

@@ -4,15 +4,16 @@
 // sums up to date with every move.
 #pragma once
 
+#include "board/score_sum.h"
 #include "board/types.h"
 
 namespace vatro {
 
 struct PieceSquareTable {
-    ScorePair values[ColourCount][PieceKindCount][64];  // by colour, kind and Square64
+    ScoreSum values[ColourCount][PieceKindCount][64];  // by colour, kind and Square64
 
-    constexpr ScorePair at(Colour colour, PieceType type, Square64 square) const {
-        return values[colour][type - 1][square];
+    constexpr ScoreSum at(Colour colour, PieceType type, Square64 square) const {
+        return values[colour][kindOf(type)][square];
     }
 };
 extern const PieceSquareTable pieceSquareTable;

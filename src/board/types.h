@@ -41,7 +41,11 @@ enum PieceType : std::uint8_t { NoPiece, Pawn, Knight, Bishop, Rook, Queen, King
 
 constexpr int ColourCount = 2;
 constexpr int PieceTypeCount = 7;  // with NoPiece
-constexpr int PieceKindCount = 6;  // without it; tables by kind are indexed by type - 1
+constexpr int PieceKindCount = 6;  // without it; tables by kind are indexed by kindOf
+
+/// The index of a piece in tables by kind. An address width wide, so that the subtraction becomes a
+/// part of the table's address.
+constexpr std::size_t kindOf(PieceType type) { return std::size_t{type} - 1; }
 
 /// Indexed by PieceType; an empty square shows as a dot.
 constexpr char pieceLetters[] = ".pnbrqk";

@@ -17,7 +17,7 @@ struct ZobristKeys {
     Key side;                                    // when Black is to move
 
     constexpr Key pieceSquare(Colour colour, PieceType type, Square64 square) const {
-        return piece[colour][type - 1][square];
+        return piece[colour][kindOf(type)][square];
     }
 };
 extern const ZobristKeys zobrist;

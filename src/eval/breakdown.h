@@ -4,8 +4,8 @@
 // every note is an empty function, so that the search pays nothing for the printed table.
 #pragma once
 
+#include "board/score_sum.h"
 #include "board/types.h"
-#include "eval/score_sum.h"
 
 namespace vatro {
 
@@ -30,6 +30,8 @@ enum class EvalRow {
 
 /// The terms of one evaluation, by row and colour.
 struct EvalBreakdown {
+    static constexpr bool WantsAllTerms = true;
+
     void add(EvalRow row, Colour colour, ScorePair term) {
         terms[static_cast<int>(row)][colour] += term;
     }
@@ -39,6 +41,8 @@ struct EvalBreakdown {
 };
 
 struct NoBreakdown {
+    static constexpr bool WantsAllTerms = false;
+
     void add(EvalRow, Colour, ScorePair) {}
     void add(EvalRow, Colour, ScoreSum) {}
 };

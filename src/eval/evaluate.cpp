@@ -60,9 +60,16 @@ template <typename Breakdown>
                                      EvalMemory& memory,
                                      Breakdown& breakdown) {
     const PawnStructure pawns = findPawnStructure(board, memory, breakdown);
+    // The pawn hash is asked all the same: its hits are counted, and shown.
+    const Key key = board.record().key;
+    if constexpr (!Breakdown::WantsAllTerms) {
+        if (const std::optional<int> known = memory.leads.find(key)) return *known;
+    }
     const ScoreSum white = positionalTerms<White>(board, pawns, breakdown);
     const ScoreSum black = positionalTerms<Black>(board, pawns, breakdown);
-    return taper(white, phase) + taper(pawns.score, phase) - taper(black, phase);
+    const int lead = taper(white, phase) + taper(pawns.score, phase) - taper(black, phase);
+    memory.leads.store(key, lead);
+    return lead;
 }
 
 template <typename Breakdown>

@@ -7,6 +7,7 @@
 #include "board/board.h"
 #include "eval/breakdown.h"
 #include "eval/endgame_rules.h"
+#include "eval/lead_cache.h"
 #include "eval/material.h"
 #include "eval/pawn_hash.h"
 
@@ -18,6 +19,13 @@ struct EvalMemory {
     PawnHashTable& pawnHash;  // shared by all threads; must have memory
     Counter& pawnHashHits;    // counted here
     MaterialTable materials = {};
+    LeadCache leads = {};
+
+    /// Fetches what the evaluation of the position will read.
+    void prefetch(const PlyRecord& position) const {
+        pawnHash.prefetch(position.pawnKey);
+        leads.prefetch(position.key);
+    }
 };
 
 /// The score for the side to move. Any thread, each with its own board and memory. A score that is

@@ -6,9 +6,9 @@
 #include <cstdint>
 
 #include "board/board.h"
+#include "board/score_sum.h"
 #include "board/side.h"
 #include "eval/pawn_masks.h"
-#include "eval/score_sum.h"
 
 namespace vatro {
 

@@ -10,7 +10,7 @@
 
 #include "board/board.h"
 #include "board/types.h"
-#include "eval/score_sum.h"
+#include "eval/taper.h"
 
 namespace vatro {
 

@@ -8,9 +8,9 @@
 
 #include "board/board.h"
 #include "board/geometry.h"
+#include "board/score_sum.h"
 #include "board/side.h"
 #include "eval/pawn_masks.h"
-#include "eval/score_sum.h"
 
 namespace vatro {
 

@@ -4,8 +4,8 @@
 #pragma once
 
 #include "board/board.h"
+#include "board/score_sum.h"
 #include "eval/pawn_hash.h"
-#include "eval/score_sum.h"
 
 namespace vatro {
 

@@ -5,12 +5,12 @@
 
 #include "board/board.h"
 #include "board/geometry.h"
+#include "board/score_sum.h"
 #include "board/side.h"
 #include "board/sliding_attacks.h"
 #include "eval/breakdown.h"
 #include "eval/pawn_hash.h"
 #include "eval/pawn_masks.h"
-#include "eval/score_sum.h"
 #include "eval/tropism.h"
 
 namespace vatro {

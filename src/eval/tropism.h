@@ -7,8 +7,8 @@
 #include <array>
 
 #include "board/board.h"
+#include "board/score_sum.h"
 #include "board/types.h"
-#include "eval/score_sum.h"
 
 namespace vatro {
 
@@ -23,7 +23,9 @@ constexpr ScoreSum tropismWeight[PieceTypeCount] = {
 struct alignas(64) KingTropism {
     /// For a piece on a square: its weight for each square around the king that it attacks. Not for
     /// pawns.
-    ScoreSum term(PieceType type, Square64 square) const { return terms[type - Knight][square]; }
+    ScoreSum term(PieceType type, Square64 square) const {
+        return terms[kindOf(type) - kindOf(Knight)][square];
+    }
 
     std::array<std::array<ScoreSum, 64>, 5> terms;
     /// Where a pawn of a colour attacks one of the squares around the king, and where two. A pawn

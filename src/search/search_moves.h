@@ -43,12 +43,18 @@ inline void handDown(const PrincipalVariation& line, Move move, PrincipalVariati
     if (!line.empty() && line.moves[0] == move) childLine.setToRestOf(line);
 }
 
+/// Fetches what the transposition table has on the position after a move, if there is one.
+inline void Searcher::prefetchAfter(Move move) const {
+    if (move) context.transpositionTable.prefetch(likelyKeyAfter(board, move));
+}
+
 /// Plays the move, lets `search` score the position after it, and takes the move back.
 template <Colour Us, typename Search>
 inline int Searcher::scoreAfter(Move move, Search search) {
     UndoRecord undo;
     board.record().movePlayed = move;
     makeMove<Us>(board, move, undo);
+    evalMemory.prefetch(board.record());
     const int score = search();
     unmakeMove<Us>(board, move, undo);
     return score;
@@ -86,8 +92,11 @@ inline int Searcher::searchMoves(Picker& picker,
     PrincipalVariation childLine;
     bool isFirst = true;
     while (const Move move = picker.template next<Us>()) {
-        // The table is not asked beyond the horizon, except in check.
-        if (node.depth > 1) context.transpositionTable.prefetch(likelyKeyAfter(board, move));
+        if (node.depth > 1) {  // the table is not asked beyond the horizon, except in check
+            prefetchAfter(move);
+            // Making a move takes less time than a fetch from memory; searching one takes more.
+            if constexpr (requires { picker.upcoming(); }) prefetchAfter(picker.upcoming());
+        }
         handDown(line, move, childLine);
         const int alpha = best.alpha();
         const bool reduces = !node.inCheck && !isFirst && node.depth >= ReducibleDepth &&

@@ -114,6 +114,7 @@ class alignas(64) Searcher {
                     const Node& node,
                     PrincipalVariation& line,
                     AfterMove afterMove);
+    void prefetchAfter(Move move) const;
     template <Colour Us, typename Search>
     int scoreAfter(Move move, Search search);
     template <Colour Us>

@@ -54,7 +54,7 @@ class TranspositionTable {
     /// valuable entry.
     void store(Key key, const TTData& data);
     /// Fetches the bucket of a position that will be probed soon.
-    void prefetch(Key key) const;
+    void prefetch(Key key) const { buckets.prefetch(key); }
 
     /// Used entries among the first 65536, in percent.
     double fillPercentage() const { return buckets.fillPercentage(); }
@@ -62,13 +62,5 @@ class TranspositionTable {
   private:
     TTBuckets buckets;
 };
-
-inline void TranspositionTable::prefetch(Key key) const {
-#if defined(__GNUC__)
-    __builtin_prefetch(&buckets.bucketOf(key));
-#else
-    static_cast<void>(key);
-#endif
-}
 
 }  // namespace vatro

@@ -82,8 +82,8 @@ int definedScore(const Board_0x88& board, Move move) {
             if (((killer ^ move) & 0xFFF) == 0) return base + 150;
         }
     }
-    return base + pieceSquareTable.at(board.toMove(), mover, to64(move)).mg -
-           pieceSquareTable.at(board.toMove(), mover, from64(move)).mg;
+    return base + pieceSquareTable.at(board.toMove(), mover, to64(move)).middleGame() -
+           pieceSquareTable.at(board.toMove(), mover, from64(move)).middleGame();
 }
 
 int definedCaptureScore(const Board_0x88& board, Move move) {

@@ -18,6 +18,11 @@ struct Evaluator {
     int operator()(const Board_0x88& board, int alpha = -OutOfReach, int beta = OutOfReach) {
         return evaluate(board, memory, alpha, beta);
     }
+    /// The same score, with nothing taken from a position met before but its pawns.
+    int allTerms(const Board_0x88& board) {
+        EvalBreakdown breakdown;
+        return evaluateWithBreakdown(board, memory, breakdown);
+    }
     int operator()(const std::string& fen) { return (*this)(*boardOf(fen)); }
     /// Material, piece-square values and the bonus of the side to move; full scale only.
     int lazyScore(const Board_0x88& board) { return (*this)(board, OutOfReach, OutOfReach) - 200; }

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "board/make_move.h"
 #include "eval/print_evaluation.h"
 #include "tests/eval/eval_support.h"
 
@@ -40,12 +41,34 @@ TEST(Evaluate, StoredPawnsGiveTheScoreOfComputedOnes) {
             const std::uint64_t hitsBefore = warm.hits;
             const int computed = warm(board);
             EXPECT_EQ(warm.hits, hitsBefore);
-            EXPECT_EQ(warm(board), computed) << board.toFEN();
+            EXPECT_EQ(warm.allTerms(board), computed) << board.toFEN();
             EXPECT_EQ(warm.hits, hitsBefore + 1);
             ++evaluated;
         });
     }
     EXPECT_GT(evaluated, 100U);
+}
+
+// Whose move it is counts in pawn endings; the pawn hash counts its hits however a score was found.
+TEST(Evaluate, PositionsMetBeforeKeepTheirScore) {
+    Evaluator experienced;
+    TestRandom random(11);
+    for (const char* start : {startPositionFEN, richPositions[1], richPositions[2],
+                              "8/5k2/8/P7/8/6p1/8/2K5 w - - 0 1"}) {
+        forEachRandomPosition(start, 60, random, [&](Board_0x88& board) {
+            if (!hasPawns(board) || board.halfmoveClock >= 100) return;
+            const std::uint64_t hitsBefore = experienced.hits;
+            NullUndo undo;
+            const int first = experienced(board);
+            makeNullMove(board, undo);
+            const int passed = experienced(board);
+            EXPECT_EQ(passed, Evaluator().allTerms(board)) << board.toFEN();
+            unmakeNullMove(board, undo);
+            EXPECT_EQ(first, Evaluator().allTerms(board)) << board.toFEN();
+            EXPECT_EQ(experienced(board), first) << board.toFEN();
+            EXPECT_GE(experienced.hits, hitsBefore + 2);
+        });
+    }
 }
 
 TEST(Evaluate, LazyCutStaysOutsideTheWindowWithTheFullScore) {

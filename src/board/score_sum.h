@@ -1,4 +1,4 @@
-// eval/score_sum.h - score pairs added up in one word, and their blend by the game phase.
+// board/score_sum.h - score pairs added up in one word.
 #pragma once
 
 #include <cstdint>
@@ -19,8 +19,9 @@ class ScoreSum {
 
     /// Adding 0x8000 gives back what a negative middle game has borrowed from the high half.
     constexpr ScorePair pair() const {
-        return {static_cast<std::int16_t>(word), static_cast<std::int16_t>((word + 0x8000) >> 16)};
+        return {middleGame(), static_cast<std::int16_t>((word + 0x8000) >> 16)};
     }
+    constexpr std::int16_t middleGame() const { return static_cast<std::int16_t>(word); }
 
     constexpr ScoreSum& operator+=(ScoreSum other) { return *this = *this + other; }
     constexpr ScoreSum& operator-=(ScoreSum other) { return *this = *this - other; }
@@ -33,6 +34,7 @@ class ScoreSum {
     friend constexpr ScoreSum operator*(int n, ScoreSum a) {
         return fromWord(static_cast<std::uint32_t>(n) * a.word);
     }
+    friend constexpr bool operator==(ScoreSum a, ScoreSum b) = default;
 
   private:
     static constexpr ScoreSum fromWord(std::uint32_t word) {
@@ -42,13 +44,5 @@ class ScoreSum {
     }
     std::uint32_t word = 0;
 };
-
-constexpr int FullPhase = 24;  // the pieces of the start position
-
-/// The blend of a pair: all middle game at FullPhase, all end game at 0; truncates toward zero.
-constexpr int taper(ScorePair pair, int phase) {
-    return (pair.mg * phase + pair.eg * (FullPhase - phase)) / FullPhase;
-}
-constexpr int taper(ScoreSum sum, int phase) { return taper(sum.pair(), phase); }
 
 }  // namespace vatro

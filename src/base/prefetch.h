@@ -1,0 +1,14 @@
+// base/prefetch.h - asking for memory before it is needed.
+#pragma once
+
+namespace vatro {
+
+/// Fetches the cache line of `address`, which will be read soon. A hint: the address is not
+/// checked.
+inline void prefetch([[maybe_unused]] const void* address) {
+#if defined(__GNUC__)
+    __builtin_prefetch(address);
+#endif
+}
+
+}  // namespace vatro
