@@ -53,7 +53,7 @@ function(vatro_install)
   if(WIN32)
     return()
   endif()
-  install(FILES docs/xboard.png DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT files)
+  install(FILES docs/xboard.png docs/table-sizes.svg DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT files)
   install(FILES docs/tablebase-format.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT files)
   install(FILES packaging/vatro.eng
           DESTINATION ${CMAKE_INSTALL_DATADIR}/games/plugins/xboard COMPONENT files)
