@@ -6,12 +6,13 @@ Prints two tables, measured from outside while every processor is kept busy by o
   - late moves on clocks of 10 to 100 ms, with one search thread and with two. A move is late when
     it arrives later after "go" than "time" said;
   - nodes per second of the first move of a process, right after the start and 2 s after "new",
-    against its tenth.
+    against its tenth: medians of several processes.
 """
 
 import argparse
 import os
 import re
+import statistics
 import subprocess
 import tempfile
 import time
@@ -78,15 +79,19 @@ def late_moves(path, threads, clock_ms, moves):
     return late, longest
 
 
-def speeds(path, pause, moves):
-    """Nodes per second of the first searches of a process, 0.3 s each."""
+def speeds(path, pause, moves=10):
+    """Nodes per second of the first searches of a process, 0.3 s each.
+
+    All search the same position with empty tables: the tenth differs from the first only in what
+    the process has lived through.
+    """
     engine = Engine(path)
-    if pause:
-        engine.send("new\nforce\nnobook")
-        engine.answer()
-        time.sleep(pause)
     result = []
-    for _ in range(moves):
+    for move in range(moves):
+        if pause or move > 0:
+            engine.send("new\nforce\nnobook")
+            engine.answer()
+            time.sleep(2)
         engine.send(f"setboard {POSITIONS[1]}\nlevel 1 0:20 0\ntime 33\ngo")
         line = engine.read_until("# total nodes")
         result.append(int(re.search(r"nps = (\d+)", line).group(1)))
@@ -101,6 +106,7 @@ def main():
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("engine")
     parser.add_argument("--moves", type=int, default=25, help="for each clock (default 25)")
+    parser.add_argument("--processes", type=int, default=5, help="for each first move (default 5)")
     parser.add_argument("--no-load", action="store_true", help="leave the processors free")
     args = parser.parse_args()
     load = []
@@ -115,9 +121,10 @@ def main():
                 print(f"{threads:7}  {clock:8}  {late:4} of {args.moves:3}  {longest:10.1f}",
                       flush=True)
         print("\nfirst move             nodes/s     tenth  first/tenth")
-        for name, pause in (("right after start", 0), ("2 s after new", 2)):
-            nps = speeds(args.engine, pause, 10)
-            print(f"{name:18}  {nps[0]:10}  {nps[-1]:8}  {nps[0] / max(nps[-1], 1):11.2f}",
+        for name, pause in (("right after start", False), ("2 s after new", True)):
+            runs = [speeds(args.engine, pause) for _ in range(args.processes)]
+            first, tenth = (statistics.median(nps[move] for nps in runs) for move in (0, -1))
+            print(f"{name:18}  {first:10.0f}  {tenth:8.0f}  {first / max(tenth, 1):11.2f}",
                   flush=True)
     finally:
         for process in load:
