@@ -55,6 +55,11 @@ function(vatro_install)
   if(WIN32)
     vatro_install_as_text(vatro)
     vatro_install_as_text(vatro-tbgen)
+    # The licences of the libraries that the programs contain.
+    foreach(package libz-mingw-w64-dev mingw-w64-x86-64-dev gcc-mingw-w64-x86-64-posix-runtime)
+      install(FILES /usr/share/doc/${package}/copyright RENAME ${package}.txt
+              DESTINATION ${CMAKE_INSTALL_DOCDIR}/licences COMPONENT files OPTIONAL)
+    endforeach()
     return()
   endif()
   install(FILES packaging/vatro.eng
