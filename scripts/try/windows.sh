@@ -108,6 +108,7 @@ lines_come_at_once() {
 skipped='Limits.*:StartUp.TakesNoConfigurationButFromARegularFile'
 skipped+=':DuringSearch.TheProgramEndsWhenNobodyReadsItsOutput'
 protocol() {
+    rm -f "$programs/book.bin"  # they expect a search at the first move; it is the last trial
     (cd "$work" && VATRO_PROGRAM=$work/vatro VATRO_PATIENCE_MS=60000 \
         "$linux/protocol_tests" --gtest_filter="${VATRO_TRY_TESTS:-*}:-$skipped")
 }
