@@ -88,6 +88,30 @@ TEST(Generator, VerificationFindsAWrongValue) {
     EXPECT_NE(status.line().find(" is stored as "), std::string::npos) << status.line();
 }
 
+TEST(Generator, InterruptedCountIsNotTakenForAWholeOne) {
+    const Material material = *parseMaterial("KQKR");
+    TableStatistics whole;
+    ASSERT_TRUE(countTable(smallTables(), material, Workers{1}, whole).isGood());
+    // Interrupted later and later, until there is nothing left to interrupt.
+    for (int delay = 1;; delay *= 2) {
+        std::atomic<bool> stop{false};
+        std::thread interrupter([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(delay));
+            stop = true;
+        });
+        TableStatistics counted;
+        const Status status = countTable(smallTables(), material, Workers{1, &stop}, counted);
+        const bool isInTime = !stop;
+        interrupter.join();
+        if (!status.isGood()) {
+            EXPECT_EQ(status.line(), "interrupted");
+            continue;
+        }
+        EXPECT_EQ(counted.side[White].wins, whole.side[White].wins) << "after " << delay << " ms";
+        if (isInTime) break;
+    }
+}
+
 TEST(Generator, FinishedTablesAreKept) {
     TemporaryDirectory directory;
     const std::vector<Material> list = allMaterials(3);
