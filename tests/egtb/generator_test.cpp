@@ -179,6 +179,10 @@ TEST(Generator, FilesOfOthersAndNewerOnesAreLeftAlone) {
         EXPECT_EQ(readFile(path), bytes);
         EXPECT_EQ(filesIn(directory.path()), 1U);
     }
+    std::filesystem::remove(path);
+    std::filesystem::create_symlink("elsewhere", path);
+    EXPECT_EQ(makeIn(directory.path(), {material}).line(),
+              path + " is a link to a file that is not there; remove it");
 }
 
 TEST(Generator, DamagedAndEmptyFilesAreMadeAgain) {
@@ -243,9 +247,11 @@ TEST(Generator, PartFileIsNeitherLinkNorPipe) {
     };
     for (const auto& [what, create] : cases) {
         create();
-        const Status status = makeIn(directory.path(), {material});
+        // Found before the first table is made.
+        const Status status = makeIn(directory.path(), {*parseMaterial("KRK"), material});
         EXPECT_EQ(status.line(), part + ": is not a plain file; remove it") << what;
         EXPECT_EQ(readFile(precious), (std::vector<std::uint8_t>{1, 2, 3})) << what;
+        EXPECT_EQ(filesIn(directory.path()), 2U) << what;
         std::filesystem::remove(part);
     }
 }
@@ -302,11 +308,18 @@ TEST(Generator, StopIsHeardWhileSmallerTablesAreRead) {
     EXPECT_EQ(status.line(), "interrupted");
 }
 
-TEST(Generator, MissingSmallerTableIsNamed) {
+TEST(Generator, MissingOrUnusableSmallerTableIsNamed) {
     TemporaryDirectory directory;
-    const Status status = makeIn(directory.path(), {*parseMaterial("KPK")});
-    EXPECT_NE(status.line().find("KPK needs KNK"), std::string::npos) << status.line();
+    const std::vector<Material> list = {*parseMaterial("KPK")};
+    const std::string needed = tablePath(directory.path(), *parseMaterial("KNK"));
+    EXPECT_EQ(makeIn(directory.path(), list).line(),
+              "KPK needs KNK, but " + needed +
+                  " cannot be opened: No such file or directory; make it first");
     EXPECT_EQ(filesIn(directory.path()), 0U);
+    writeFile(needed, std::vector<std::uint8_t>(100, 'x'));
+    EXPECT_EQ(makeIn(directory.path(), list).line(),
+              "KPK needs KNK, but " + needed +
+                  " is not a table of this program; move it away to have one made");
 }
 
 TEST(Generator, FullDiskIsAnErrorThatLeavesNothing) {
