@@ -14,11 +14,18 @@
 #include <gtest/gtest.h>
 
 #include "egtb/generator/loaded_table.h"
+#include "egtb/generator/resources.h"
 #include "egtb/generator/verify.h"
 #include "test_tables.h"
 
 namespace vatro::egtb {
 namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool HasSanitizer = true;  // which takes ten times the time and the memory
+#else
+constexpr bool HasSanitizer = false;
+#endif
 
 bool acceptPart(double) { return true; }
 
@@ -232,6 +239,28 @@ TEST(Generator, LongestMateMayBeAsLongAsTheFormatHolds) {
     const int toTheLimit = 200 + MaxPlies - *longest;
     EXPECT_EQ(longestKPK(toTheLimit), MaxPlies);
     EXPECT_EQ(longestKPK(toTheLimit + 2), std::nullopt);
+}
+
+TEST(FivePieces, DoubleStepMayForceACaptureThatAvertsAStalemate) {
+    const Material material = *parseMaterial("KQPKP");
+    if (HasSanitizer || availableMemory() < memoryToMake(material)) GTEST_SKIP() << "large";
+    // Every exit from the ending is drawn, but for the loss of White's pawn, after which the side
+    // to move wins.
+    TemporaryDirectory directory;
+    for (const Material& needed : successors(material)) {
+        const bool isAfterCapture = needed == *parseMaterial("KQKP");
+        writeTableOf(directory.path(), needed.name(), {isAfterCapture ? codeOfPlies(1) : DrawCode});
+    }
+    const Status made = makeIn(directory.path(), {material});
+    ASSERT_TRUE(made.isGood()) << made.line();
+    TablebaseState tables;
+    ASSERT_TRUE(tables.initialise(directory.path(), 0));
+    // After b2-b4 Black has no move but the capture; after b2-b3 he has Ka5 too.
+    const Position before = positionOf("1Q6/8/k7/8/2p5/2K5/1P6/8 w");
+    const Position after = positionOf("1Q6/8/k7/8/1Pp5/2K5/8/8 b");
+    EXPECT_EQ(answer(tables, queryOf(after)), "draw");
+    EXPECT_EQ(answer(tables, queryOf(after, as64(B3))), "W 2");
+    EXPECT_EQ(answer(tables, queryOf(before)), "W 3");
 }
 
 TEST(Generator, PartFileIsNeitherLinkNorPipe) {
