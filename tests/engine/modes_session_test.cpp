@@ -66,6 +66,18 @@ TEST(Modes, RandomGamesLeaveAGameThatCanBePlayed) {
     EXPECT_EQ(Lines(), session.answersTo("usermove e2e4"));
 }
 
+TEST(Modes, OnlyTheSearchThatFoundTheMoveExpectsAReply) {
+    Session session;
+    session.send("sd 4\ngo");
+    session.nextLine("# ponder move: ");
+    session.answersTo("force\nundo\nrandgame");  // what was expected stays legal
+    session.send("go");
+    session.nextMove();
+    for (const std::string& line : session.allAnswersTo("force")) {
+        EXPECT_FALSE(line.starts_with("# ponder move")) << line;
+    }
+}
+
 TEST(Words, AMoveNeedsNoCommand) {
     Session session;
     session.send("force\nE2E4\ne7e5\ne1e3");
