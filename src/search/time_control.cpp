@@ -19,8 +19,8 @@ constexpr std::int64_t ReservePerHelper = 1;
 
 // Between two notes of a search's progress that nothing delays. More is what the system takes away.
 constexpr std::int32_t OrdinaryDelayMs = 10;
-constexpr std::int32_t MostDelayMs = 10000;  // a computer that has slept
-constexpr std::int32_t DelayStays = 15;      // parts of 16 with each search; no derivation
+constexpr std::int32_t MostDelayMs = 1000;  // a computer that has slept is another matter
+constexpr std::int32_t DelayStays = 15;     // parts of 16 with each search; no derivation
 
 TimePlan planSession(const TimeControl& control, std::uint32_t plyCount, std::uint32_t elapsed) {
     TimePlan plan{};
@@ -135,6 +135,8 @@ void TimeControl::restartGame() {
 }
 
 void TimeControl::setTimeLeft(std::int32_t left, std::uint32_t plyCount) {
+    // Else an overdrawn clock could have so much time used that it wraps when "level" follows.
+    left = std::max(left, INT32_MIN / 2);
     const auto total = static_cast<std::uint32_t>(planSession(*this, plyCount, 0).total);
     const std::lock_guard lock(mutex);
     timeUsed = total - static_cast<std::uint32_t>(left);

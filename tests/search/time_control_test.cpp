@@ -48,6 +48,16 @@ TEST(TimePlan, SharesTheTimeUpToTheEndOfTheSession) {
     }
 }
 
+TEST(TimePlan, AnOverdrawnClockStaysSoWithAnotherTimeControl) {
+    TimeControl control;
+    control.setTimeLeft(INT32_MIN, 0);
+    EXPECT_LT(planTime(control, 0).max, 0);
+    control.baseTime = 100;
+    control.movesPerSession = 0;
+    control.forgetTimeLeft();
+    EXPECT_LT(planTime(control, 0).max, 0);
+}
+
 TEST(TimePlan, ATimeForEachMoveIsAllOfIt) {
     TimeControl control;
     control.timeUsed = 29000;
