@@ -134,6 +134,19 @@ TEST(Limits, ATableCacheThatFindsNoMemoryLeavesTheOldOne) {
     EXPECT_EQ(answers.find("# tbHits = 0\n"), std::string::npos) << "the tables are open again";
 }
 
+// Right after the start new pages would be the quicker way to empty tables.
+TEST(Limits, ANewGameNeedsNoMoreMemory) {
+    if (HasSanitizer) GTEST_SKIP() << "limits the address space";
+    const ScratchDirectory directory;
+    ChildProcess process(afterShell("ulimit -v 420000"), directory.path.string());
+    process.send("xboard\nsd 1\ngo\n");
+    process.readUntil("\nmove ");
+    process.send("new\nping 1\n");
+    const std::string answer = process.readUntil("pong 1");
+    EXPECT_NE(std::string::npos, answer.find("# new size of TT hash: 256 MB\n")) << answer;
+    EXPECT_EQ(std::string::npos, answer.find("ERROR")) << answer;
+}
+
 TEST(Limits, TheSystemsSmallStackIsNotTheSearchs) {
     if (HasSanitizer) GTEST_SKIP() << "the main thread needs more";
     const ScratchDirectory directory;
