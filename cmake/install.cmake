@@ -50,11 +50,18 @@ function(vatro_install)
 
   install(FILES ${PROJECT_BINARY_DIR}/book.bin DESTINATION ${book_folder} COMPONENT files)
   install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT files)
+  install(FILES docs/xboard.png docs/table-sizes.svg docs/tablebase-format.md
+          DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT files)
   if(WIN32)
+    vatro_install_as_text(vatro)
+    vatro_install_as_text(vatro-tbgen)
+    # The licences of the libraries that the programs contain.
+    foreach(package libz-mingw-w64-dev mingw-w64-x86-64-dev gcc-mingw-w64-x86-64-posix-runtime)
+      install(FILES /usr/share/doc/${package}/copyright RENAME ${package}.txt
+              DESTINATION ${CMAKE_INSTALL_DOCDIR}/licences COMPONENT files OPTIONAL)
+    endforeach()
     return()
   endif()
-  install(FILES docs/xboard.png docs/table-sizes.svg DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT files)
-  install(FILES docs/tablebase-format.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT files)
   install(FILES packaging/vatro.eng
           DESTINATION ${CMAKE_INSTALL_DATADIR}/games/plugins/xboard COMPONENT files)
   install(FILES packaging/vatro.png
@@ -71,6 +78,16 @@ function(vatro_install)
     vatro_install_compressed(
       ${PROJECT_BINARY_DIR}/changelog ${CMAKE_INSTALL_DOCDIR} changelog.gz)
   endif()
+endfunction()
+
+# vatro_install_as_text(PAGE): the manual page as a plain file, where there is no program to read it with.
+function(vatro_install_as_text page)
+  add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/${page}.txt
+    COMMAND sh -c "mandoc -T utf8 '${PROJECT_SOURCE_DIR}/man/${page}.6' | sed 's/.\\x08//g' > ${page}.txt"
+    WORKING_DIRECTORY ${PROJECT_BINARY_DIR}
+    DEPENDS ${PROJECT_SOURCE_DIR}/man/${page}.6 VERBATIM)
+  add_custom_target(text-${page} ALL DEPENDS ${PROJECT_BINARY_DIR}/${page}.txt)
+  install(FILES ${PROJECT_BINARY_DIR}/${page}.txt DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT files)
 endfunction()
 
 # vatro_install_compressed(FILE FOLDER NAME): without the time of compression, which would make two

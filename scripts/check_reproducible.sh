@@ -7,9 +7,10 @@ repository=$(realpath "$(dirname "$(readlink -f "$0")")/..")
 for clone in one "a second folder"; do
     rm -rf "${work:?}/$clone"
     git clone -q "$repository" "$work/$clone"
-    "$work/$clone/scripts/build_packages.sh"
+    "$work/$clone/scripts/build_packages.sh" "$work/$clone/packages"
+    "$work/$clone/scripts/build_windows.sh" "$work/$clone/packages/windows"
 done
-for package in "$work"/one/build-packages/vatro*.{deb,tar.gz}; do
-    cmp "$package" "$work/a second folder/build-packages/$(basename "$package")"
+for package in "$work"/one/packages/vatro*.{deb,tar.gz} "$work"/one/packages/windows/vatro*.zip; do
+    cmp "$package" "$work/a second folder/${package#"$work/one/"}"
     sha256sum "$package"
 done

@@ -31,6 +31,17 @@ std::vector<std::string> splitTokens(std::string_view text, char separator) {
     return tokens;
 }
 
+std::vector<std::string> wordsOf(std::string_view text) {
+    std::vector<std::string> words;
+    for (;;) {
+        text = trimBlanksAndTabs(text);
+        if (text.empty()) return words;
+        const std::size_t end = std::min(text.find_first_of(" \t"), text.size());
+        words.emplace_back(text.substr(0, end));
+        text.remove_prefix(end);
+    }
+}
+
 std::string joinTokens(const std::vector<std::string>& tokens, char separator) {
     std::string text;
     for (const std::string& token : tokens) {

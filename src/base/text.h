@@ -11,6 +11,9 @@ namespace vatro {
 /// two adjacent ones, but none after a separator that ends the text.
 std::vector<std::string> splitTokens(std::string_view text, char separator);
 
+/// The words between spaces and tabs.
+std::vector<std::string> wordsOf(std::string_view text);
+
 /// The tokens with one separator between each two.
 std::string joinTokens(const std::vector<std::string>& tokens, char separator);
 

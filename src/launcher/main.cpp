@@ -8,18 +8,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <string>
 
-#ifdef _WIN32
-#include <windows.h>
-// After windows.h, which it needs.
-#include <process.h>
-#include <shellapi.h>
-#else
-#include <unistd.h>
-#endif
-
+#include "base/become_program.h"
 #include "base/program_folder.h"
 
 namespace {
@@ -31,34 +21,14 @@ bool hasVersion2() {
            __builtin_cpu_supports("sse4.1") && __builtin_cpu_supports("sse4.2");
 }
 
-/// Becomes the program for a processor; returns only when that fails.
-void start(const std::filesystem::path& folder,
-           const char* processor,
-           [[maybe_unused]] char* const argv[]) {
-    std::string name = std::string(VATRO_PROGRAM_NAME) + '-' + processor;
-#ifdef _WIN32
-    // There is no exec: this process waits for the program and passes on how it ended. The
-    // arguments are put together with blanks, so the first must have none.
-    name += ".exe";
-    int count = 0;
-    wchar_t** const arguments = CommandLineToArgvW(GetCommandLineW(), &count);
-    wchar_t program[] = L"vatro";
-    if (!arguments) return;
-    arguments[0] = program;
-    const auto result = _wspawnv(_P_WAIT, (folder / name).c_str(), arguments);
-    if (result != -1) std::exit(static_cast<int>(result));
-#else
-    execv((folder / name).c_str(), argv);
-#endif
-}
-
 }  // namespace
 
 int main(int /*argc*/, char* argv[]) {
     const std::filesystem::path folder = vatro::programFolder() / VATRO_PROGRAMS;
-    if (hasVersion2()) start(folder, "x86-64-v2", argv);
-    start(folder, "x86-64", argv);
-    std::fprintf(stderr, "%s: cannot start %s: %s\n", VATRO_PROGRAM_NAME,
-                 (folder / VATRO_PROGRAM_NAME "-x86-64").string().c_str(), std::strerror(errno));
+    if (hasVersion2()) vatro::becomeProgram(folder / VATRO_PROGRAM_NAME "-x86-64-v2", argv);
+    const std::filesystem::path slowest = folder / VATRO_PROGRAM_NAME "-x86-64";
+    vatro::becomeProgram(slowest, argv);
+    std::fprintf(stderr, "%s: cannot start %s: %s\n", VATRO_PROGRAM_NAME, slowest.string().c_str(),
+                 std::strerror(errno));
     return EXIT_FAILURE;
 }

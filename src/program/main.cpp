@@ -62,7 +62,6 @@ bool runEngine(Engine& engine, const Args& args) {
 
 /// Speaks the WinBoard protocol, or UCI when the first line asks for it.
 int converse(const Args& args) {
-    setUpConsole();
     useOneHeap();
     const auto input = std::make_shared<InputQueue>();
     // Before the tables, which can do with less memory than its stack.
@@ -90,6 +89,7 @@ int run(const Args& args) {
 
 int main(int argc, char* argv[]) {
     try {
+        setUpConsole();
         return run(argc > 0 ? Args(argv + 1, argv + argc) : Args());
     } catch (const std::bad_alloc&) {
         vatro::endWithoutMemory();

@@ -17,22 +17,20 @@
 namespace vatro {
 namespace {
 
-/// The words between blanks and tabs.
-std::vector<std::string> wordsOf(std::string_view text) {
-    std::vector<std::string> words;
-    for (;;) {
-        text = trimBlanksAndTabs(text);
-        if (text.empty()) return words;
-        const std::size_t end = std::min(text.find_first_of(" \t"), text.size());
-        words.emplace_back(text.substr(0, end));
-        text.remove_prefix(end);
-    }
-}
-
 bool isLegalReply(Board_0x88 board, Move move, Move reply) {
     UndoRecord undo;
     makeMove(board, move, undo);
     return isValidMove(board, reply) && isLegal(board, reply, computePins(board));
+}
+
+/// An interface without clocks may limit nothing and waits for a move nevertheless: it gets one as
+/// in a game of 40 moves in five minutes.
+void limitTime(GoCommand& command, Colour us) {
+    const bool isLimited = command.timeLeftMs[us] || command.depth > 0 || command.nodes > 0 ||
+                           command.mateMoves > 0 || command.moveTimeMs > 0 || command.infinite;
+    if (isLimited) return;
+    command.timeLeftMs[us] = 300'000;
+    command.movesToGo = 40;
 }
 
 }  // namespace
@@ -162,15 +160,13 @@ void UciEngine::setPosition(const std::string& rest) {
 void UciEngine::go(const std::string& rest) {
     endSearch();
     std::vector<std::string> faults;
-    const GoCommand command = readGoCommand(wordsOf(rest), player.game.board, faults);
+    GoCommand command = readGoCommand(wordsOf(rest), player.game.board, faults);
     for (const std::string& fault : faults) {
         sayInfo(fault);
     }
-    if (countLegalMoves(player.game.board) == 0) {
-        say(std::string("info depth 0 score ") + (inCheck(player.game.board) ? "mate 0" : "cp 0") +
-            "\nbestmove 0000\n");
-        return;
-    }
+    limitTime(command, player.game.board.toMove());
+    latest = command;
+    if (countLegalMoves(player.game.board) == 0) return answerWithoutMove();
     if (playsFromBook(command)) return;
     player.preparePlayer(false);
     if (!player.isReady()) {
@@ -178,6 +174,15 @@ void UciEngine::go(const std::string& rest) {
         return;
     }
     startSearch(command);
+}
+
+/// There is nothing to search in a finished position, but an answer may have to wait even so.
+void UciEngine::answerWithoutMove() {
+    say(std::string("info depth 0 score ") + (inCheck(player.game.board) ? "mate 0\n" : "cp 0\n"));
+    const std::lock_guard lock(answerMutex);
+    answer = "bestmove 0000\n";
+    holdsAnswer = latest.infinite || latest.ponder;
+    if (!holdsAnswer) sayAnswer();
 }
 
 bool UciEngine::playsFromBook(const GoCommand& command) {
@@ -193,11 +198,8 @@ bool UciEngine::playsFromBook(const GoCommand& command) {
 }
 
 void UciEngine::startSearch(const GoCommand& command) {
-    latest = command;
     const bool hasClock = command.timeLeftMs[player.game.board.toMove()].has_value();
     const bool isEndless = command.ponder || command.infinite;
-    const bool isLimited = hasClock || command.depth > 0 || command.nodes > 0 ||
-                           command.mateMoves > 0 || command.moveTimeMs > 0;
     timeControl.stop();
     timeControl.depthLimited = command.depth > 0;
     timeControl.maxDepth = command.depth;
@@ -208,7 +210,7 @@ void UciEngine::startSearch(const GoCommand& command) {
     {
         const std::lock_guard lock(answerMutex);
         answer.clear();
-        holdsAnswer = isEndless || !isLimited;
+        holdsAnswer = isEndless;
     }
     player.startSearch();
 }

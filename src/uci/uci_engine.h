@@ -68,6 +68,7 @@ class UciEngine final : public EngineInterface {
     void endSearch();
     void handleEndOfInput();
     void startSearch(const GoCommand& command);
+    void answerWithoutMove();
     void setClock(const GoCommand& command);
     std::int32_t fixedTime() const;
     /// Whether the answer could come from the book, and did.

@@ -161,7 +161,7 @@ void UciEngine::setOption(const std::string& rest) {
     if (findWord(text, NameWord) != 0) return sayInfo("setoption: no name");
     text.remove_prefix(NameWord.size());
     const std::size_t valueAt = std::min(findWord(text, ValueWord), text.size());
-    const std::string name(trimBlanksAndTabs(text.substr(0, valueAt)));
+    const std::string name = joinTokens(wordsOf(text.substr(0, valueAt)), ' ');
     text.remove_prefix(std::min(valueAt + ValueWord.size(), text.size()));
     const std::string value(trimBlanksAndTabs(text));
     for (const Option& option : options()) {

@@ -126,7 +126,7 @@ TEST_F(Uci, InfoLinesTellWhatIsKnown) {
 }
 
 TEST_F(Uci, ShowsAsManyLinesAsAreWantedAndPossible) {
-    answersTo("setoption name multipv value 3");
+    answersTo("setoption  name  multiPV\tvalue 3");
     const auto ranksAt = [this](const std::string& depth, const std::string& line) {
         std::set<std::string> ranks;
         for (const std::string& info : search(line)) {
@@ -162,6 +162,12 @@ TEST_F(Uci, AClockThatIsNearlyEmptyIsNotOverdrawn) {
     search("position startpos moves e2e4\ngo wtime 100 btime -20");
 }
 
+TEST_F(Uci, ASearchWithoutALimitHasAClock) {
+    session.send("debug on\nposition startpos\ngo");
+    session.nextLine("info string time for the move");
+    EXPECT_EQ(bestMove("stop").size(), 4U);
+}
+
 TEST_F(Uci, AnEndlessSearchAnswersOnlyToStop) {
     // A mate ends the search by itself, but not the wait.
     session.send("position fen 7k/8/6K1/8/8/8/8/R7 w - - 0 1\ngo infinite");
@@ -193,8 +199,13 @@ TEST_F(Uci, PonderingGoesOnWithTheTimeThatIsLeft) {
 TEST_F(Uci, PositionsWithoutMovesHaveNoBestMove) {
     EXPECT_EQ(search("position fen 7k/6Q1/6K1/8/8/8/8/8 b - - 0 1\ngo depth 5"),
               Lines({"info depth 0 score mate 0", "bestmove 0000"}));
-    EXPECT_EQ(search("position fen 7k/5Q2/6K1/8/8/8/8/8 b - - 0 1\ngo infinite"),
-              Lines({"info depth 0 score cp 0", "bestmove 0000"}));
+    // Not before it is asked for.
+    for (const auto& [line, end] :
+         {std::pair("go infinite", "stop"), std::pair("go ponder", "ponderhit")}) {
+        EXPECT_EQ(answersTo("position fen 7k/5Q2/6K1/8/8/8/8/8 b - - 0 1\n" + std::string(line)),
+                  Lines({"info depth 0 score cp 0"}));
+        EXPECT_EQ(search(end), Lines({"bestmove 0000"}));
+    }
 }
 
 TEST_F(Uci, ErrorsLeaveThePosition) {
@@ -236,7 +247,7 @@ TEST_F(Uci, EachSearchHasOneAnswerWhateverComesMeanwhile) {
                                     "debug on",
                                     "setoption name Hash value 2",
                                     "setoption name Threads value 2",
-                                    "setoption name Clear Hash",
+                                    "setoption name clear   hash",
                                     "register later",
                                     "ucinewgame",
                                     "position startpos moves d2d4",
