@@ -1,19 +1,22 @@
 #!/usr/bin/env python3
-"""Nodes a second of Vatro and of UCI engines, on the same positions in one run.
+# bench/compare_nps.py - nodes a second of Vatro beside other engines, on the same positions in one run.
+"""Usage: compare_nps.py [--seconds S] VATRO ENGINE...
 
-Usage: compare_nps.py [--seconds S] path/to/vatro uci-engine...
-A UCI engine may carry arguments: "gnuchess --uci". Every engine searches each position for S
-seconds (3) on one thread; nodes are divided by the processor time that the search took, since
-other work on the machine would distort the wall clock. The engines take turns, and each is started
-once for all positions, as an interface does: the system's work of finding the memory of the tables
-falls on the first. Linux only: reads /proc.
+An engine speaks UCI; one that speaks the protocol of XBoard is marked by "xboard:" before its command:
+"xboard:hoichess". Commands may carry arguments: "gnuchess --uci". Every engine searches each position
+for S seconds (3) on one thread with the tables that it has by default; nodes are divided by the
+processor time that the search took, since other work on the machine would distort the wall clock. What
+a peer has searched after its last report of nodes is left out, and so is the time. The engines take
+turns, and each is started once for all positions, as an interface does: the system's work of finding
+the memory of the tables falls on the first. Linux only: reads /proc.
 """
+import argparse
 import os
 import re
 import shlex
 import statistics
 import subprocess
-import sys
+import threading
 import time
 
 POSITIONS = [
@@ -41,72 +44,118 @@ class Engine:
     def lines(self):
         return iter(self.process.stdout.readline, "")
 
-    def processor_time(self):
-        fields = open(f"/proc/{self.process.pid}/stat").read().rsplit(")", 1)[1].split()
+    def wait_for(self, word):
+        return next(line for line in self.lines() if word in line)
+
+    def now(self):
+        """The clock of the measurements: the processor time that the engine has used, in seconds."""
+        with open(f"/proc/{self.process.pid}/stat", encoding="ascii") as stat:
+            fields = stat.read().rsplit(")", 1)[1].split()
         return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 
     def close(self):
         self.process.kill()
         self.process.wait()
 
-
-def start_uci(command):
-    engine = Engine(command)
-    engine.send("uci\nisready")
-    next(line for line in engine.lines() if "readyok" in line)
-    return engine
-
-
-def search_uci(engine, fen, seconds):
-    engine.send(f"ucinewgame\nposition fen {fen}\nisready")
-    next(line for line in engine.lines() if "readyok" in line)
-    start = engine.processor_time()
-    engine.send(f"go movetime {int(seconds * 1000)}")
-    nodes = 0
-    for line in engine.lines():
-        found = re.search(r"\bnodes (\d+)", line)
-        nodes = max(nodes, int(found.group(1))) if found else nodes
-        if line.startswith("bestmove"):
-            break
-    used = engine.processor_time() - start
-    return nodes / max(used, 0.01)
+    def last_report(self, pattern, end):
+        """Nodes and processor time of the last line before `end` that matches the pattern."""
+        nodes = used = 0
+        for line in self.lines():
+            found = re.search(pattern, line)
+            if found:
+                nodes, used = int(found.group(1)), self.now()
+            if line.startswith(end):
+                return nodes, used
 
 
-def start_vatro(command):
-    engine = Engine(command)
-    engine.send("xboard\nnobook\nlevel 0 1000 0")
-    return engine
+class Vatro(Engine):
+    """In its own words, which count all nodes: a thinking line comes only with a better move."""
+
+    def __init__(self, command, threads=1):
+        super().__init__(command)
+        self.send(f"xboard\ncores {threads}\nnobook\nlevel 0 1000 0")
+
+    def search(self, fen, seconds):
+        self.send(f"setboard {fen}\nping 1")
+        self.wait_for("pong")
+        start = self.now()
+        self.send("go")
+        time.sleep(seconds)
+        self.send("force")
+        totals = self.wait_for("# total nodes")
+        used = self.now() - start
+        return int(re.search(r"= (\d+)", totals).group(1)) / max(used, 0.01)
 
 
-def search_vatro(engine, fen, seconds):
-    engine.send(f"setboard {fen}\nping 1")
-    next(line for line in engine.lines() if line.startswith("pong"))
-    start = engine.processor_time()
-    engine.send("go")
-    time.sleep(seconds)
-    engine.send("force")
-    totals = next(line for line in engine.lines() if line.startswith("# total nodes"))
-    used = engine.processor_time() - start
-    return int(re.search(r"= (\d+)", totals).group(1)) / max(used, 0.01)
+class UciEngine(Engine):
+    def __init__(self, command, threads=1):
+        super().__init__(command)
+        # Only Stockfish has the second option: its classic evaluation is the one that compares.
+        self.send(f"uci\nsetoption name Threads value {threads}\n"
+                  "setoption name Use NNUE value false\nisready")
+        self.wait_for("readyok")
+
+    def search(self, fen, seconds):
+        self.send(f"ucinewgame\nposition fen {fen}\nisready")
+        self.wait_for("readyok")
+        start = self.now()
+        self.send(f"go movetime {int(seconds * 1000)}")
+        nodes, used = self.last_report(r"\bnodes (\d+)", "bestmove")
+        return nodes / max(used - start, 0.01)
+
+
+class XboardEngine(Engine):
+    """Analyses, since then no engine plays from its book."""
+
+    def __init__(self, command, threads=1):
+        super().__init__(command)
+        self.send(f"xboard\nprotover 2\ncores {threads}\nnew\nforce\npost")
+
+    def search(self, fen, seconds):
+        self.send(f"setboard {fen}\nping 1")
+        self.wait_for("pong")
+        start = self.now()
+        self.send("analyze")
+        end = threading.Timer(seconds, self.send, ["exit\nping 2"])
+        end.start()
+        nodes, used = self.last_report(r"^\s*\d+\S?\s+-?\d+\s+\d+\s+(\d+)\s", "pong")
+        end.join()
+        return nodes / max(used - start, 0.01)
+
+
+def start(command, is_vatro, threads=1):
+    if is_vatro:
+        return Vatro(command, threads)
+    if command.startswith("xboard:"):
+        return XboardEngine(command.removeprefix("xboard:"), threads)
+    return UciEngine(command, threads)
+
+
+def compare(commands, seconds):
+    """Millions of nodes a second of each engine, Vatro first, on each position."""
+    engines = [start(command, i == 0) for i, command in enumerate(commands)]
+    speeds = [[] for _ in engines]
+    for fen in POSITIONS:
+        for engine, values in zip(engines, speeds):
+            values.append(engine.search(fen, seconds) / 1e6)
+    for engine in engines:
+        engine.close()
+    return speeds
 
 
 def main():
-    arguments = sys.argv[1:]
-    seconds = 3.0
-    if arguments[:1] == ["--seconds"]:
-        seconds = float(arguments[1])
-        arguments = arguments[2:]
-    speeds = {command: [] for command in arguments}
-    engines = [(start_uci if i else start_vatro)(command) for i, command in enumerate(arguments)]
-    for fen in POSITIONS:
-        for i, command in enumerate(arguments):
-            search = search_uci if i else search_vatro
-            speeds[command].append(search(engines[i], fen, seconds))
-    for engine in engines:
-        engine.close()
-    for command, values in speeds.items():
-        each = " ".join(f"{value / 1e6:5.2f}" for value in values)
-        print(f"{command:30} median {statistics.median(values) / 1e6:5.2f} M nodes/s  [{each}]")
+    parser = argparse.ArgumentParser(description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("engines", nargs="+", metavar="ENGINE")
+    parser.add_argument("--seconds", type=float, default=3)
+    args = parser.parse_args()
+    speeds = compare(args.engines, args.seconds)
+    medians = [statistics.median(values) for values in speeds]
+    for command, values, median in zip(args.engines, speeds, medians):
+        each = " ".join(f"{value:5.2f}" for value in values)
+        print(f"{command:30} median {median:5.2f} M nodes/s  [{each}]")
+    if len(medians) > 1:
+        print(f"{medians[0] / max(medians[1:]):.2f} times the fastest of the others")
 
 
 if __name__ == "__main__":

@@ -5,14 +5,17 @@
 Plays games of 40 moves in 1 second, several at once, each between two processes of the engine with
 the opening book of the folder that it is started in. The clocks are kept from outside: a move has
 taken as long as it was until its line was read. Prints each forfeit, and at the end how the games
-ended, with the least time that was left on a clock.
+ended, with the least time that was left on a clock, and the median of the nodes a second that the
+engine has shown for its moves.
 """
 
 import argparse
 import collections
 import multiprocessing
 import os
+import re
 import select
+import statistics
 import subprocess
 import time
 
@@ -28,6 +31,7 @@ class Player:
         self.process = subprocess.Popen([path], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                                         bufsize=0)
         self.buffer = b""
+        self.speeds = []  # nodes a second, by move
         minutes, rest = divmod(seconds, 60)
         self.send(f"xboard\nnew\nlevel {moves} {minutes}:{rest:02} 0")
 
@@ -53,6 +57,8 @@ class Player:
             line = self.line()
             if line.startswith("move "):
                 break
+            if line.startswith("# total nodes"):
+                self.speeds.append(int(re.search(r"nps = (\d+)", line).group(1)))
             if line.startswith(("1-0", "0-1", "1/2")):
                 return None, line
             if line.lower().startswith(("error", "illegal")):
@@ -75,7 +81,8 @@ class Player:
 
 
 def play(job):
-    """Plays a game. Returns how it ended, its plies, and the least time left after a move."""
+    """Plays a game. Returns how it ended, its plies, the least time left after a move, and the nodes a
+    second of its searches."""
     path, moves, seconds = job
     players = [Player(path, moves, seconds) for _ in range(2)]
     players[1].send("force")
@@ -101,7 +108,7 @@ def play(job):
     finally:
         for player in players:
             player.quit()
-    return ending, ply, least
+    return ending, ply, least, players[0].speeds + players[1].speeds
 
 
 def main():
@@ -115,21 +122,24 @@ def main():
     parser.add_argument("--seconds", type=int, default=1)
     args = parser.parse_args()
     load = [subprocess.Popen(["sh", "-c", "while :; do :; done"]) for _ in range(args.load)]
-    endings, plies, least = collections.Counter(), 0, float(args.seconds)
+    endings, plies, least, speeds = collections.Counter(), 0, float(args.seconds), []
     job = (os.path.abspath(args.engine), args.moves, args.seconds)
     try:
         with multiprocessing.Pool(args.at_once) as pool:
-            for ending, length, left in pool.imap_unordered(play, [job] * args.games):
+            for ending, length, left, shown in pool.imap_unordered(play, [job] * args.games):
                 if not ending.startswith(("1", "0", "not")):
                     print(f"{ending}, ply {length}", flush=True)
                 endings["forfeit" if ending.startswith("forfeit") else ending] += 1
                 plies += length
                 least = min(least, left)
+                speeds += shown
     finally:
         for process in load:
             process.kill()
             process.wait()
     print(f"{args.games} games, {plies} moves, least time left {least * 1000:.0f} ms")
+    if speeds:
+        print(f"{statistics.median(speeds) / 1e6:.2f} M nodes/s, median of {len(speeds)} searches")
     for ending, count in endings.most_common():
         print(f"{count:6}  {ending}")
 

@@ -5,8 +5,8 @@
 Prints two tables, measured from outside while every processor is kept busy by other work:
   - late moves on clocks of 10 to 100 ms, with one search thread and with two. A move is late when
     it arrives later after "go" than "time" said;
-  - nodes per second of the first move of a process, right after the start and 2 s after "new",
-    against its tenth: medians of several processes.
+  - nodes per second of processor time of the first move of a process, right after the start and
+    2 s after "new", against its tenth: medians of several processes. Linux tells this time.
 """
 
 import argparse
@@ -46,6 +46,15 @@ class Engine:
                 return line
         raise RuntimeError("the engine has ended")
 
+    def thread_times(self):
+        """Seconds on a processor of each thread so far."""
+        tasks = f"/proc/{self.process.pid}/task"
+        times = {}
+        for thread in os.listdir(tasks):
+            with open(f"{tasks}/{thread}/schedstat", encoding="ascii") as file:
+                times[thread] = int(file.read().split()[0]) / 1e9
+        return times
+
     def answer(self):
         """Waits until everything sent so far has been done."""
         self.send("ping 1")
@@ -83,7 +92,7 @@ def speeds(path, pause, moves=10):
     """Nodes per second of the first searches of a process, 0.3 s each.
 
     All search the same position with empty tables: the tenth differs from the first only in what
-    the process has lived through.
+    the process has lived through. The thread that works most is the one that searches.
     """
     engine = Engine(path)
     result = []
@@ -92,10 +101,15 @@ def speeds(path, pause, moves=10):
             engine.send("new\nforce\nnobook")
             engine.answer()
             time.sleep(2)
-        engine.send(f"setboard {POSITIONS[1]}\nlevel 1 0:20 0\ntime 33\ngo")
+        engine.send(f"setboard {POSITIONS[1]}\nlevel 1 0:20 0\ntime 33")
+        engine.answer()
+        before = engine.thread_times()
+        engine.send("go")
         line = engine.read_until("# total nodes")
-        result.append(int(re.search(r"nps = (\d+)", line).group(1)))
         engine.read_until("move ")
+        used = max(spent - before.get(thread, 0)
+                   for thread, spent in engine.thread_times().items())
+        result.append(int(re.search(r"nodes = (\d+)", line).group(1)) / max(used, 1e-3))
         engine.send("force")
     engine.quit()
     return result

@@ -25,7 +25,7 @@ plan=$("$tbgen" --list "$@")
 declare -A job  # the number of the job that makes a table
 submitted=0
 while read -r name _ megabytes needs; do
-    [ -e "$directory/$name.gtb.cp4" ] && continue
+    [ -s "$directory/$name.gtb.cp4" ] && continue
     after=""
     for needed in $needs; do
         [ -n "${job[$needed]:-}" ] && after="$after:${job[$needed]}"

@@ -20,6 +20,10 @@ const std::atomic<bool>& watchForInterrupt();
 /// greatest number when it has no limit.
 std::uint64_t memoryLimit();
 
+/// Makes all threads allocate from one heap, where the C library would give each its own and
+/// reserve far more addresses for it than it needs. Before any thread is started.
+void useOneHeap();
+
 /// Processors that the process may use, at least 1.
 int allowedProcessors();
 

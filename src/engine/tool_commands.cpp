@@ -122,6 +122,8 @@ bool WBEngine::cmdRandGames(const Args& args) {
     playRandomGames(player.game, static_cast<unsigned long>(games), random, stop);
     player.randomMoves = hadRandomMoves;
     gameOver = false;  // the start position is on the board
+    const bool searchesBothSides = analyzeMode || autoPlay;
+    if (searchesBothSides && engineColour != NoColour) engineColour = player.game.board.toMove();
     return true;
 }
 

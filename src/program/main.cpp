@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/console.h"
+#include "base/process.h"
 #include "base/text.h"
 #include "base/version.h"
 #include "engine/wb_engine.h"
@@ -61,6 +62,7 @@ bool runEngine(Engine& engine, const Args& args) {
 
 /// Speaks the WinBoard protocol, or UCI when the first line asks for it.
 int converse(const Args& args) {
+    useOneHeap();
     const auto input = std::make_shared<InputQueue>();
     // Before the tables, which can do with less memory than its stack.
     if (!startInputReader(input, StandardInput, StandardOutput)) {

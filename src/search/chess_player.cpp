@@ -74,10 +74,13 @@ void ChessPlayer::recreate(Table& table,
     const unsigned wanted = setting;
     warmer.cancel();  // it must not touch memory that goes away
     while (!table.resize(setting)) {
+        if (setting == allocatedFor) {  // it has that much, and was only to be emptied
+            table.clear();
+            break;
+        }
         if (allocatedFor != 0 || setting <= 1) {
             reporter.reportNoMemoryForTable(name, setting);
             if (allocatedFor == 0) return;
-            if (setting == allocatedFor) table.clear();  // it was to be emptied
             setting = allocatedFor;
             warmer.start();
             return;

@@ -126,8 +126,9 @@ class ChessPlayer final : public SearchInterface {
     TablebaseState tablebases;
 
   private:
-    /// Makes a table anew for `setting` megabytes and reports its size. Without memory the setting
-    /// goes back to what the table was made for; a first table shrinks until it fits.
+    /// Makes a table anew for `setting` megabytes and reports its size. Without memory for another
+    /// one a table of that size is emptied, one of another size stays and the setting goes back to
+    /// it; a first table shrinks until it fits.
     bool emptyTables();
     template <typename Table>
     void recreate(Table& table, TableName name, unsigned& setting, unsigned& allocatedFor);

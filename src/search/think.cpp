@@ -39,6 +39,7 @@ void ChessPlayer::thinkAndMove() {
     stopHelpers();
     reportTablebaseFaults();  // of files that broke during the search
     if (result.best && engine) engine->makeEngineMove(result.best);
+    timeControl.noteProgress();
     timeControl.stop();
     for (std::size_t i = 1; i < threadPool.size(); ++i) {
         threadPool[i]->waitUntilIdle();
@@ -103,6 +104,7 @@ void ChessPlayer::stopHelpers() {
 }
 
 bool ChessPlayer::timeout() {
+    timeControl.noteProgress();
     reportTablebaseFaults();
     const bool isTooLate = timeControl.timed
                                ? timeControl.searchTime() >= timeControl.timeForMove

@@ -17,6 +17,11 @@ constexpr double ShareOfTime = 0.9;         // a tenth is kept back; tuned
 // (bench/short_clocks.py).
 constexpr std::int64_t ReservePerHelper = 1;
 
+// Between two notes of a search's progress that nothing delays. More is what the system takes away.
+constexpr std::int32_t OrdinaryDelayMs = 10;
+constexpr std::int32_t MostDelayMs = 1000;  // a computer that has slept is another matter
+constexpr std::int32_t DelayStays = 15;     // parts of 16 with each search; no derivation
+
 TimePlan planSession(const TimeControl& control, std::uint32_t plyCount, std::uint32_t elapsed) {
     TimePlan plan{};
     plan.plyCount = plyCount;
@@ -76,9 +81,25 @@ void TimeControl::startSearch() {
     const std::lock_guard lock(mutex);
     const std::uint32_t now = clockNow();
     searchStartedAt = now;
+    latestProgress = std::chrono::steady_clock::now();
+    longestDelayMs = longestDelayMs * DelayStays / (DelayStays + 1);
     if (!timed || clockRunning) return;
     clockStart = now;
     clockRunning = true;
+}
+
+void TimeControl::noteProgress() {
+    const Instant now = std::chrono::steady_clock::now();
+    const auto delay = std::chrono::duration_cast<std::chrono::milliseconds>(now - latestProgress);
+    latestProgress = now;
+    const auto counted = std::min<std::int64_t>(delay.count(), MostDelayMs);
+    longestDelayMs = std::max(longestDelayMs.load(), static_cast<std::int32_t>(counted));
+}
+
+/// Centiseconds.
+std::int64_t TimeControl::expectedDelay() const {
+    const std::int32_t delay = longestDelayMs;
+    return delay > OrdinaryDelayMs ? delay / 10 + 1 : 0;
 }
 
 void TimeControl::start() {
@@ -100,6 +121,7 @@ void TimeControl::reset() {
     clockStart = 0;
     timed = true;
     depthLimited = false;
+    longestDelayMs = 0;
     timePerMove = 0;
     movesPerSession = 40;
     baseTime = 30000;
@@ -113,6 +135,8 @@ void TimeControl::restartGame() {
 }
 
 void TimeControl::setTimeLeft(std::int32_t left, std::uint32_t plyCount) {
+    // Else an overdrawn clock could have so much time used that it wraps when "level" follows.
+    left = std::max(left, INT32_MIN / 2);
     const auto total = static_cast<std::uint32_t>(planSession(*this, plyCount, 0).total);
     const std::lock_guard lock(mutex);
     timeUsed = total - static_cast<std::uint32_t>(left);
@@ -141,7 +165,8 @@ std::optional<ClockLimit> TimeControl::limitTimeForMove(std::uint32_t plyCount, 
     const std::lock_guard lock(mutex);
     const std::uint32_t now = clockNow();
     const std::int64_t left = std::max<std::int64_t>(timeLeft(now, plyCount), 0);
-    const std::int64_t kept = std::min(reserve + ReservePerHelper * helpers, (left + 1) / 2);
+    const std::int64_t usual = std::min(reserve + ReservePerHelper * helpers, (left + 1) / 2);
+    const std::int64_t kept = std::min(usual + expectedDelay(), left);
     const std::int64_t searched = static_cast<std::int32_t>(now - searchStartedAt);
     const std::int64_t most = std::min<std::int64_t>(searched + left - kept, INT32_MAX);
     if (timeForMove <= most) return std::nullopt;

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <mutex>
 #include <optional>
@@ -48,6 +49,10 @@ struct TimeControl {
 
     /// Marks the start of a search. One against the clock starts it, or lets it run on.
     void startSearch();
+    /// Notes that the search is at work. It does so every few milliseconds; when much more time has
+    /// passed, others have had the processor, as they may have it again before the next move is
+    /// out. The search's main thread only.
+    void noteProgress();
     /// Puts a running search against the clock.
     void start();
     /// Stops the clock if it runs.
@@ -67,12 +72,17 @@ struct TimeControl {
     std::optional<ClockLimit> limitTimeForMove(std::uint32_t plyCount, unsigned helpers);
 
   private:
+    using Instant = std::chrono::steady_clock::time_point;
+
+    std::int64_t expectedDelay() const;
     std::uint32_t readingAt(std::uint32_t now) const;
     std::int64_t timeLeft(std::uint32_t now, std::uint32_t plyCount) const;
 
     mutable std::mutex mutex;              // clockRunning, timeUsed and clockStart change together
     std::optional<std::int32_t> toldLeft;  // by setTimeLeft, under the mutex
     std::uint32_t toldReading = 0;         // of the clock then
+    Instant latestProgress{};              // the search's
+    std::atomic<std::int32_t> longestDelayMs{0};  // between two notes; fades from search to search
 };
 
 /// How the time for one move is found. Times are centiseconds.

@@ -14,11 +14,18 @@
 #include <gtest/gtest.h>
 
 #include "egtb/generator/loaded_table.h"
+#include "egtb/generator/resources.h"
 #include "egtb/generator/verify.h"
 #include "test_tables.h"
 
 namespace vatro::egtb {
 namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool HasSanitizer = true;  // which takes ten times the time and the memory
+#else
+constexpr bool HasSanitizer = false;
+#endif
 
 bool acceptPart(double) { return true; }
 
@@ -88,6 +95,30 @@ TEST(Generator, VerificationFindsAWrongValue) {
     EXPECT_NE(status.line().find(" is stored as "), std::string::npos) << status.line();
 }
 
+TEST(Generator, InterruptedCountIsNotTakenForAWholeOne) {
+    const Material material = *parseMaterial("KQKR");
+    TableStatistics whole;
+    ASSERT_TRUE(countTable(smallTables(), material, Workers{1}, whole).isGood());
+    // Interrupted later and later, until there is nothing left to interrupt.
+    for (int delay = 1;; delay *= 2) {
+        std::atomic<bool> stop{false};
+        std::thread interrupter([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(delay));
+            stop = true;
+        });
+        TableStatistics counted;
+        const Status status = countTable(smallTables(), material, Workers{1, &stop}, counted);
+        const bool isInTime = !stop;
+        interrupter.join();
+        if (!status.isGood()) {
+            EXPECT_EQ(status.line(), "interrupted");
+            continue;
+        }
+        EXPECT_EQ(counted.side[White].wins, whole.side[White].wins) << "after " << delay << " ms";
+        if (isInTime) break;
+    }
+}
+
 TEST(Generator, FinishedTablesAreKept) {
     TemporaryDirectory directory;
     const std::vector<Material> list = allMaterials(3);
@@ -155,6 +186,10 @@ TEST(Generator, FilesOfOthersAndNewerOnesAreLeftAlone) {
         EXPECT_EQ(readFile(path), bytes);
         EXPECT_EQ(filesIn(directory.path()), 1U);
     }
+    std::filesystem::remove(path);
+    std::filesystem::create_symlink("elsewhere", path);
+    EXPECT_EQ(makeIn(directory.path(), {material}).line(),
+              path + " is a link to a file that is not there; remove it");
 }
 
 TEST(Generator, DamagedAndEmptyFilesAreMadeAgain) {
@@ -206,6 +241,28 @@ TEST(Generator, LongestMateMayBeAsLongAsTheFormatHolds) {
     EXPECT_EQ(longestKPK(toTheLimit + 2), std::nullopt);
 }
 
+TEST(FivePieces, DoubleStepMayForceACaptureThatAvertsAStalemate) {
+    const Material material = *parseMaterial("KQPKP");
+    if (HasSanitizer || availableMemory() < memoryToMake(material)) GTEST_SKIP() << "large";
+    // Every exit from the ending is drawn, but for the loss of White's pawn, after which the side
+    // to move wins.
+    TemporaryDirectory directory;
+    for (const Material& needed : successors(material)) {
+        const bool isAfterCapture = needed == *parseMaterial("KQKP");
+        writeTableOf(directory.path(), needed.name(), {isAfterCapture ? codeOfPlies(1) : DrawCode});
+    }
+    const Status made = makeIn(directory.path(), {material});
+    ASSERT_TRUE(made.isGood()) << made.line();
+    TablebaseState tables;
+    ASSERT_TRUE(tables.initialise(directory.path(), 0));
+    // After b2-b4 Black has no move but the capture; after b2-b3 he has Ka5 too.
+    const Position before = positionOf("1Q6/8/k7/8/2p5/2K5/1P6/8 w");
+    const Position after = positionOf("1Q6/8/k7/8/1Pp5/2K5/8/8 b");
+    EXPECT_EQ(answer(tables, queryOf(after)), "draw");
+    EXPECT_EQ(answer(tables, queryOf(after, as64(B3))), "W 2");
+    EXPECT_EQ(answer(tables, queryOf(before)), "W 3");
+}
+
 TEST(Generator, PartFileIsNeitherLinkNorPipe) {
     TemporaryDirectory directory;
     const Material material = *parseMaterial("KQK");
@@ -219,9 +276,11 @@ TEST(Generator, PartFileIsNeitherLinkNorPipe) {
     };
     for (const auto& [what, create] : cases) {
         create();
-        const Status status = makeIn(directory.path(), {material});
+        // Found before the first table is made.
+        const Status status = makeIn(directory.path(), {*parseMaterial("KRK"), material});
         EXPECT_EQ(status.line(), part + ": is not a plain file; remove it") << what;
         EXPECT_EQ(readFile(precious), (std::vector<std::uint8_t>{1, 2, 3})) << what;
+        EXPECT_EQ(filesIn(directory.path()), 2U) << what;
         std::filesystem::remove(part);
     }
 }
@@ -278,11 +337,18 @@ TEST(Generator, StopIsHeardWhileSmallerTablesAreRead) {
     EXPECT_EQ(status.line(), "interrupted");
 }
 
-TEST(Generator, MissingSmallerTableIsNamed) {
+TEST(Generator, MissingOrUnusableSmallerTableIsNamed) {
     TemporaryDirectory directory;
-    const Status status = makeIn(directory.path(), {*parseMaterial("KPK")});
-    EXPECT_NE(status.line().find("KPK needs KNK"), std::string::npos) << status.line();
+    const std::vector<Material> list = {*parseMaterial("KPK")};
+    const std::string needed = tablePath(directory.path(), *parseMaterial("KNK"));
+    EXPECT_EQ(makeIn(directory.path(), list).line(),
+              "KPK needs KNK, but " + needed +
+                  " cannot be opened: No such file or directory; make it first");
     EXPECT_EQ(filesIn(directory.path()), 0U);
+    writeFile(needed, std::vector<std::uint8_t>(100, 'x'));
+    EXPECT_EQ(makeIn(directory.path(), list).line(),
+              "KPK needs KNK, but " + needed +
+                  " is not a table of this program; move it away to have one made");
 }
 
 TEST(Generator, FullDiskIsAnErrorThatLeavesNothing) {

@@ -24,6 +24,7 @@ class FakeSystem {
         std::ofstream(file) << text;
     }
     std::uint64_t availableMB() const { return availableMemory(directory.path()) / Megabyte; }
+    int processors() const { return usableProcessors(directory.path()); }
 
   private:
     TemporaryDirectory directory;
@@ -58,6 +59,25 @@ TEST(Resources, ContainersThatSeeOnlyTheirOwnGroupAreLimited) {
     system.write("/sys/fs/cgroup/memory/memory.stat",
                  "total_inactive_file " + std::to_string(150 * Megabyte) + "\n");
     EXPECT_EQ(system.availableMB(), 50U);
+}
+
+TEST(Resources, QuotasOfControlGroupsLimitTheProcessors) {
+    const int allowed = FakeSystem().processors();
+    if (allowed < 2) GTEST_SKIP() << "one processor";
+    FakeSystem system;
+    system.write("/proc/self/cgroup", "3:cpu,cpuacct:/jobs/7\n0::/user/work\n");
+    // No quota, and one of more processors than the machine has.
+    system.write("/sys/fs/cgroup/user/work/cpu.max", "max 100000\n");
+    system.write("/sys/fs/cgroup/cpu/jobs/7/cpu.cfs_quota_us", "-1\n");
+    system.write("/sys/fs/cgroup/cpu/jobs/7/cpu.cfs_period_us", "100000\n");
+    system.write("/sys/fs/cgroup/cpu/jobs/cpu.cfs_quota_us", "900000000\n");
+    system.write("/sys/fs/cgroup/cpu/jobs/cpu.cfs_period_us", "100000\n");
+    EXPECT_EQ(system.processors(), allowed);
+    system.write("/sys/fs/cgroup/user/cpu.max", "190000 100000\n");
+    EXPECT_EQ(system.processors(), 1);
+    system.write("/sys/fs/cgroup/user/cpu.max", "max 100000\n");
+    system.write("/sys/fs/cgroup/cpu/jobs/cpu.cfs_quota_us", "50000\n");
+    EXPECT_EQ(system.processors(), 1) << "of half a processor";
 }
 
 }  // namespace

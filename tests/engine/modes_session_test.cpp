@@ -64,6 +64,27 @@ TEST(Modes, RandomGamesLeaveAGameThatCanBePlayed) {
     session.answersTo("force\nusermove f2f3\nusermove e7e5\nusermove g2g4\nusermove d8h4");
     session.answersTo("randgames 1");
     EXPECT_EQ(Lines(), session.answersTo("usermove e2e4"));
+    for (const char* const mode : {"analyze", "auto"}) {  // they go on, whoever was to move
+        SCOPED_TRACE(mode);
+        session.send(std::string("new\nforce\nusermove e2e4\nlevel 1 60 0\n") + mode);
+        session.nextLine("2 ");
+        session.send("randgames 1");
+        session.nextLine("Total games: ");
+        session.nextLine("2 ");
+        session.answersTo("exit\nforce");
+    }
+}
+
+TEST(Modes, OnlyTheSearchThatFoundTheMoveExpectsAReply) {
+    Session session;
+    session.send("sd 4\ngo");
+    session.nextLine("# ponder move: ");
+    session.answersTo("force\nundo\nrandgame");  // what was expected stays legal
+    session.send("go");
+    session.nextMove();
+    for (const std::string& line : session.allAnswersTo("force")) {
+        EXPECT_FALSE(line.starts_with("# ponder move")) << line;
+    }
 }
 
 TEST(Words, AMoveNeedsNoCommand) {

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "board/board.h"
 #include "engine/session.h"
 
 namespace vatro::test {
@@ -102,14 +103,21 @@ TEST(DuringSearch, TheProgramEndsWhenNobodyReadsItsOutput) {
 }
 
 TEST(SearchStops, AreExplained) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"k7/8/8/8/8/8/6q1/7K w - - 0 1", "# forced move: h1g2"},
-        {"7k/8/6K1/8/8/8/8/R7 w - - 0 1", "# forced mate in 1 plies: a1a8"},
-        {"7k/7p/5K2/8/8/8/8/6R1 b - - 0 1", "# getting mated in "},
+    struct Case {
+        const char* clock;
+        const char* fen;
+        const char* reason;
     };
-    for (const auto& [fen, reason] : cases) {
+    const Case cases[] = {
+        {"level 1 60 0", "k7/8/8/8/8/8/6q1/7K w - - 0 1", "# forced move: h1g2"},
+        {"level 1 60 0", "7k/8/6K1/8/8/8/8/R7 w - - 0 1", "# forced mate in 1 plies: a1a8"},
+        {"level 1 60 0", "7k/7p/5K2/8/8/8/8/6R1 b - - 0 1", "# getting mated in "},
+        {"level 40 1:40 0", "r3k3/1pp3p1/8/8/8/4P3/7P/4Kq2 w q - 0 1", "# easy move: e1f1"},
+        {"time 1", startPositionFEN, "# timeout"},
+    };
+    for (const auto& [clock, fen, reason] : cases) {
         Session session;
-        session.send(std::string("level 1 60 0\nsetboard ") + fen + "\ngo");
+        session.send(std::string("setboard ") + fen + '\n' + clock + "\ngo");
         session.nextLine(reason);
         session.nextMove();
         session.answersTo("");

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "egtb/table_format.h"
+#include "egtb/test_tables.h"
 #include "engine/session.h"
 
 namespace vatro::test {
@@ -114,6 +116,35 @@ TEST(Limits, WithLittleMemoryTheEnginePlays) {
     ChildProcess process(afterShell("ulimit -v 100000"), directory.path.string());
     process.send("xboard\nsd 2\ngo\n");
     EXPECT_TRUE(process.readUntil("\nmove ").ends_with("\nmove ")) << process.lastLines();
+}
+
+TEST(Limits, ATableCacheThatFindsNoMemoryLeavesTheOldOne) {
+    if (HasSanitizer) GTEST_SKIP() << "limits the address space";
+    const ScratchDirectory directory;
+    directory.writeFile("vatro.ini", smallTables);
+    egtb::writeTableOf(directory.path.string(), "KQK", {egtb::codeOfPlies(3)});
+    ChildProcess process(afterShell("ulimit -v 200000"), directory.path.string());
+    process.send("xboard\negtpath gaviota .\noption gtbCacheSizeMB=256\n");
+    EXPECT_TRUE(process.readUntil("# ERROR: no memory for the tablebases\n").ends_with('\n'))
+        << process.lastLines();
+    process.send("protover 2\nsetboard 8/8/8/3k4/8/8/8/KQ6 w - -\nsd 2\ngo\n");
+    const std::string answers = process.readUntil("\nmove ");
+    EXPECT_NE(answers.find("gtbCacheSizeMB -spin 16 0 256"), std::string::npos);
+    EXPECT_NE(answers.find("# tbHits = "), std::string::npos);
+    EXPECT_EQ(answers.find("# tbHits = 0\n"), std::string::npos) << "the tables are open again";
+}
+
+// Right after the start new pages would be the quicker way to empty tables.
+TEST(Limits, ANewGameNeedsNoMoreMemory) {
+    if (HasSanitizer) GTEST_SKIP() << "limits the address space";
+    const ScratchDirectory directory;
+    ChildProcess process(afterShell("ulimit -v 420000"), directory.path.string());
+    process.send("xboard\nsd 1\ngo\n");
+    process.readUntil("\nmove ");
+    process.send("new\nping 1\n");
+    const std::string answer = process.readUntil("pong 1");
+    EXPECT_NE(std::string::npos, answer.find("# new size of TT hash: 256 MB\n")) << answer;
+    EXPECT_EQ(std::string::npos, answer.find("ERROR")) << answer;
 }
 
 TEST(Limits, TheSystemsSmallStackIsNotTheSearchs) {

@@ -124,6 +124,26 @@ TEST_F(SearchTest, SaysWhyItStops) {
     }
 }
 
+TEST_F(SearchTest, EndsBetweenIterationsWhenTheClockSaysSo) {
+    const char* const easy = "r3k3/1pp3p1/8/8/8/4P3/7P/4Kq2 w q - 0 1";  // takes the queen
+    search.control.timeForMove = -1;                                     // overdrawn
+    for (const auto& [fen, reason] : {std::pair(startPositionFEN, StopReason::NoTimeForMore),
+                                      std::pair(easy, StopReason::EasyMove)}) {
+        SCOPED_TRACE(fen);
+        EXPECT_NE(bestOf(fen, 8), moveToText(NoMove));
+        EXPECT_EQ(search.record.lines.back().depth, 6U);  // the first depth at which it may
+        ASSERT_TRUE(search.record.stop);
+        EXPECT_EQ(search.record.stop->reason, reason);
+    }
+    search.control.timeForMove = INT32_MAX;
+    bestOf(easy, 8);
+    EXPECT_EQ(search.record.stop->reason, StopReason::DepthLimit);
+    search.control.timeForMove = -1;
+    search.control.timed = false;
+    bestOf(easy, 8);
+    EXPECT_EQ(search.record.stop->reason, StopReason::DepthLimit);
+}
+
 TEST_F(SearchTest, ASideWithItsKingAloneNeverWins) {
     bestOf("8/8/8/3k4/8/8/6R1/6K1 b - - 0 1", 8);
     EXPECT_LE(score(), 0);

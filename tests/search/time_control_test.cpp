@@ -1,6 +1,8 @@
 // tests/search/time_control_test.cpp - the time for a move follows from the clock and the session.
 #include "search/time_control.h"
 
+#include <thread>
+
 #include <gtest/gtest.h>
 
 namespace vatro {
@@ -44,6 +46,16 @@ TEST(TimePlan, SharesTheTimeUpToTheEndOfTheSession) {
         EXPECT_EQ(plan.sessions, c.sessions);
         EXPECT_EQ(plan.max, c.max);
     }
+}
+
+TEST(TimePlan, AnOverdrawnClockStaysSoWithAnotherTimeControl) {
+    TimeControl control;
+    control.setTimeLeft(INT32_MIN, 0);
+    EXPECT_LT(planTime(control, 0).max, 0);
+    control.baseTime = 100;
+    control.movesPerSession = 0;
+    control.forgetTimeLeft();
+    EXPECT_LT(planTime(control, 0).max, 0);
 }
 
 TEST(TimePlan, ATimeForEachMoveIsAllOfIt) {
@@ -168,6 +180,31 @@ TEST(ClockLimit, TimeToldDuringASearchCountsFromThen) {
     control.setTimeLeft(6000, 0);
     EXPECT_FALSE(control.limitTimeForMove(0, 0));  // more time makes no search longer
     EXPECT_EQ(control.timeForMove, limit->timeForMove);
+}
+
+TEST(ClockLimit, KeepsBackWhatTheSystemHasTakenAway) {
+    TimeControl control;
+    const auto timeForMove = [&control](std::int32_t left) {
+        control.setTimeLeft(left, 0);
+        control.searchStartedAt = clockNow();
+        control.timeForMove = 1'000'000;
+        return control.limitTimeForMove(0, 0)->timeForMove;
+    };
+    control.startSearch();
+    std::this_thread::sleep_for(std::chrono::milliseconds(60));  // others have the processor
+    control.noteProgress();
+    control.noteProgress();
+    EXPECT_LE(timeForMove(1000), 991);
+    EXPECT_LE(timeForMove(7), 1);  // half of it would be too late
+    for (int search = 0; search < 200; ++search) {
+        control.startSearch();  // nothing lasts for ever
+    }
+    EXPECT_GE(timeForMove(1000), 997);
+    control.startSearch();
+    std::this_thread::sleep_for(std::chrono::milliseconds(60));
+    control.noteProgress();
+    control.reset();
+    EXPECT_GE(timeForMove(1000), 997);
 }
 
 TEST(TimeControl, AnalysisCostsNoPlayingTime) {

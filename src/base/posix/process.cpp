@@ -10,6 +10,9 @@
 #if defined(__linux__)
 #include <sched.h>
 #endif
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 
 namespace vatro {
 namespace {
@@ -40,6 +43,12 @@ std::uint64_t memoryLimit() {
         return std::numeric_limits<std::uint64_t>::max();
     }
     return limit.rlim_cur;
+}
+
+void useOneHeap() {
+#if defined(__GLIBC__)
+    mallopt(M_ARENA_MAX, 1);
+#endif
 }
 
 int allowedProcessors() {

@@ -47,6 +47,8 @@ std::uint64_t memoryLimit() {
     return std::min({memory.ullAvailPhys, memory.ullAvailPageFile, memory.ullAvailVirtual});
 }
 
+void useOneHeap() {}  // the C library has no other
+
 int allowedProcessors() {
     DWORD_PTR ours = 0;
     DWORD_PTR all = 0;

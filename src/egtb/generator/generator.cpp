@@ -2,6 +2,7 @@
 #include "egtb/generator/generator.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cmath>
 #include <filesystem>
@@ -121,9 +122,10 @@ Status checkNeeds(const std::vector<Material>& list, const std::string& director
         for (const Material& needed : successors(*material)) {
             if (std::find(list.begin(), material, needed) != material) continue;
             const std::string path = tablePath(directory, needed);
-            if (TableFile::open(path).fault == TableFault::None) continue;
+            const OpenedTable opened = TableFile::open(path);
+            if (opened.table) continue;
             return Status::failure(material->name() + " needs " + needed.name() + ", but " + path +
-                                   " is missing or unusable; make it first");
+                                   " " + opened.faultText() + "; " + opened.advice());
         }
     }
     return Status::good();
@@ -138,6 +140,9 @@ TableCheck checkTable(const std::string& directory, const Material& material) {
         return {TableState::Missing, {}};
     }
     const OpenedTable opened = TableFile::open(path);
+    if (opened.systemError == ENOENT) {
+        return {TableState::LeftAlone, path + " is a link to a file that is not there; remove it"};
+    }
     switch (opened.fault) {
         case TableFault::None:
             break;
@@ -162,7 +167,11 @@ Status makeTables(const std::vector<Material>& list,
     for (const Material& material : list) {
         const TableCheck check = checkTable(options.directory, material);
         if (check.state == TableState::LeftAlone) return Status::failure(check.line);
-        if (check.state != TableState::Complete) missing.push_back(material);
+        if (check.state != TableState::Complete) {
+            PartFile file(tablePath(options.directory, material));
+            if (!file.isClaimable()) return Status::failure(file.fault());
+            missing.push_back(material);
+        }
         if (options.workers.areStopped()) return Status::interrupted();
     }
     Status status = checkNeeds(missing, options.directory);

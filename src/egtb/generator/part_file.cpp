@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 
 namespace vatro::egtb {
 
@@ -21,9 +22,23 @@ bool PartFile::fail(const std::string& why) {
 
 bool PartFile::failBySystem() { return fail(std::strerror(errno)); }
 
+bool PartFile::failAsNotPlain() { return fail("is not a plain file; remove it"); }
+
+bool PartFile::isClaimable() {
+    namespace fs = std::filesystem;
+    std::error_code error;
+    const fs::path path = standardPath(partName);
+    const fs::file_status status = fs::symlink_status(path, error);
+    if (!fs::exists(status)) return true;
+    if (!fs::is_regular_file(status)) return failAsNotPlain();
+    // Another process may just have given it its final name.
+    const std::uintmax_t names = fs::hard_link_count(path, error);
+    return error || names == 1 || failAsNotPlain();
+}
+
 File::Claim PartFile::claim() {
     const File::Claim result = file.claim(partName);
-    if (result == File::Claim::NotPlain) fail("is not a plain file; remove it");
+    if (result == File::Claim::NotPlain) failAsNotPlain();
     if (result == File::Claim::Failed) failBySystem();
     return result;
 }

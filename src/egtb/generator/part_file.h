@@ -19,6 +19,8 @@ class PartFile {
     PartFile(const PartFile&) = delete;
     PartFile& operator=(const PartFile&) = delete;
 
+    /// False when something else than a plain file has its name. Touches nothing.
+    bool isClaimable();
     /// Creates and locks the file, or takes over that of a program that was killed.
     File::Claim claim();
     /// Why the last call failed, with what to do about it.
@@ -30,6 +32,7 @@ class PartFile {
 
   private:
     bool fail(const std::string& why);
+    bool failAsNotPlain();
     bool failBySystem();
 
     std::string finalName;

@@ -9,6 +9,7 @@
 #include <optional>
 #include <sstream>
 #include <system_error>
+#include <vector>
 
 #include "base/file.h"
 #include "base/process.h"
@@ -46,40 +47,17 @@ std::uint64_t systemMemory(const std::string& root) {
     return free > 0 ? free : Unlimited;
 }
 
-/// A version of control groups: where their folders are and what their files are called.
-struct GroupFiles {
-    const char* mount;
-    const char* limit;
-    const char* usage;
-    const char* cache;  // key in memory.stat of what the system drops when memory is short
+/// The folder of a control group.
+struct GroupFolder {
+    int version;       // of control groups, 1 or 2
+    std::string path;  // ends in '/'
 };
-constexpr GroupFiles groupFilesV2{"/sys/fs/cgroup", "memory.max", "memory.current",
-                                  "inactive_file"};
-constexpr GroupFiles groupFilesV1{"/sys/fs/cgroup/memory", "memory.limit_in_bytes",
-                                  "memory.usage_in_bytes", "total_inactive_file"};
 
-/// What a group and all that hold it leave. Inside a container the folders that the kernel names
-/// may be out of sight; the innermost that is in sight then bears the container's limit.
-std::uint64_t memoryOfGroup(const std::string& root, const GroupFiles& files, std::string group) {
-    std::uint64_t least = Unlimited;
-    for (;;) {
-        std::string folder = root;
-        folder.append(files.mount).append(group).append("/");
-        const auto limit = readNumber(folder + files.limit);
-        const auto usage = readNumber(folder + files.usage);
-        if (limit && usage) {
-            const std::uint64_t cache = readNumberAfter(folder + "memory.stat", files.cache);
-            const std::uint64_t used = *usage - std::min(*usage, cache);
-            least = std::min(least, *limit - std::min(*limit, used));
-        }
-        if (group.empty()) return least;
-        const std::size_t slash = group.rfind('/');
-        group.resize(slash == std::string::npos ? 0 : slash);
-    }
-}
-
-std::uint64_t controlGroupMemory(const std::string& root) {
-    std::uint64_t least = Unlimited;
+/// The folders of the groups that the process belongs to and of all above them, as far as they
+/// control `resource`. Inside a container the folders that the kernel names may be out of sight;
+/// the innermost that is in sight then bears the container's limit.
+std::vector<GroupFolder> groupFolders(const std::string& root, const std::string& resource) {
+    std::vector<GroupFolder> folders;
     std::ifstream file(root + "/proc/self/cgroup");
     std::string line;  // "0::/group" or, in version 1, "4:memory:/group"
     while (std::getline(file, line)) {
@@ -87,24 +65,54 @@ std::uint64_t controlGroupMemory(const std::string& root) {
         const std::size_t second = line.find(':', first + 1);
         if (second == std::string::npos) continue;
         const std::string controllers = ',' + line.substr(first + 1, second - first - 1) + ',';
+        const int version = controllers == ",," ? 2 : 1;
+        if (version == 1 && controllers.find(',' + resource + ',') == std::string::npos) continue;
+        const std::string mount = root + "/sys/fs/cgroup" + (version == 1 ? '/' + resource : "");
         std::string group = line.substr(second + 1);
         if (group == "/") group.clear();
-        if (controllers == ",,") {
-            least = std::min(least, memoryOfGroup(root, groupFilesV2, group));
-        } else if (controllers.find(",memory,") != std::string::npos) {
-            least = std::min(least, memoryOfGroup(root, groupFilesV1, group));
+        for (;;) {
+            folders.push_back({version, mount + group + '/'});
+            if (group.empty()) break;
+            const std::size_t slash = group.rfind('/');
+            group.resize(slash == std::string::npos ? 0 : slash);
         }
+    }
+    return folders;
+}
+
+/// Bytes that a group leaves.
+std::uint64_t memoryOfGroup(const GroupFolder& group) {
+    const bool isV2 = group.version == 2;
+    const auto limit = readNumber(group.path + (isV2 ? "memory.max" : "memory.limit_in_bytes"));
+    const auto usage = readNumber(group.path + (isV2 ? "memory.current" : "memory.usage_in_bytes"));
+    if (!limit || !usage) return Unlimited;
+    // What is only cached the system drops when memory is short.
+    const std::uint64_t cache =
+        readNumberAfter(group.path + "memory.stat", isV2 ? "inactive_file" : "total_inactive_file");
+    const std::uint64_t used = *usage - std::min(*usage, cache);
+    return *limit - std::min(*limit, used);
+}
+
+std::uint64_t controlGroupMemory(const std::string& root) {
+    std::uint64_t least = Unlimited;
+    for (const GroupFolder& group : groupFolders(root, "memory")) {
+        least = std::min(least, memoryOfGroup(group));
     }
     return least;
 }
 
-/// Whole processors that the control group's quota amounts to; a large number without one.
-int quotaProcessors() {
-    std::ifstream file("/sys/fs/cgroup/cpu.max");  // "max 100000" or "200000 100000"
+/// Whole processors that the quota of a group amounts to, at least 1; a large number without one.
+int processorsOfGroup(const GroupFolder& group) {
     double quota = 0;
     double period = 0;
-    if (file >> quota >> period && period > 0) return std::max(1, static_cast<int>(quota / period));
-    return std::numeric_limits<int>::max();
+    if (group.version == 2) {
+        std::ifstream(group.path + "cpu.max") >> quota >> period;  // "max 100000": both stay 0
+    } else {
+        std::ifstream(group.path + "cpu.cfs_quota_us") >> quota;  // -1 for none
+        std::ifstream(group.path + "cpu.cfs_period_us") >> period;
+    }
+    if (quota <= 0 || period <= 0) return std::numeric_limits<int>::max();
+    return std::max(1, static_cast<int>(quota / period));
 }
 
 }  // namespace
@@ -115,7 +123,13 @@ std::uint64_t availableMemory(const std::string& root) {
     return least == Unlimited ? 0 : least;
 }
 
-int usableProcessors() { return std::min(allowedProcessors(), quotaProcessors()); }
+int usableProcessors(const std::string& root) {
+    int least = allowedProcessors();
+    for (const GroupFolder& group : groupFolders(root, "cpu")) {
+        least = std::min(least, processorsOfGroup(group));
+    }
+    return least;
+}
 
 std::uint64_t freeDiskSpace(const std::string& directory) {
     std::error_code error;

@@ -11,8 +11,9 @@ namespace vatro::egtb {
 /// paths of the system's files.
 std::uint64_t availableMemory(const std::string& root = "");
 
-/// Processors that the process may use, at least 1: its affinity and its control group's quota.
-int usableProcessors();
+/// Processors that the process may use, at least 1: the least of its affinity and the quotas of its
+/// control groups. `root` as above.
+int usableProcessors(const std::string& root = "");
 
 /// Bytes that can still be written to a directory; 0 when nothing is known.
 std::uint64_t freeDiskSpace(const std::string& directory);

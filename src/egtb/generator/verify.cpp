@@ -1,7 +1,8 @@
 // egtb/generator/verify.cpp - going through all positions of a finished table.
 //
-// Moves are made one at a time here, by other code than the generator's: a fault goes unnoticed
-// only if both make the same one.
+// A sample of the positions comes first, its moves made one at a time by other code than the
+// generator's: there a fault goes unnoticed only if both make the same one. Then all positions, a
+// word at a time.
 #include "egtb/generator/verify.h"
 
 #include <algorithm>
@@ -312,6 +313,7 @@ Status countTable(const std::string& directory,
                         }
                     }
                 });
+    if (workers.areStopped()) return Status::interrupted();
     for (const Colour colour : {White, Black}) {
         const Sum& sum = total[colour];
         TableStatistics::Side& side = statistics.side[colour];
