@@ -8,7 +8,7 @@ need mandoc has_program mandoc
 need zip has_program zip
 install_missing
 
-settings=(-DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/mingw.cmake" -DCMAKE_EXE_LINKER_FLAGS="-static -s")
+settings=(-DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/mingw.cmake" -DCMAKE_EXE_LINKER_FLAGS="-static -s -Wl,--no-insert-timestamp")
 build x86-64-v2 "${settings[@]}"
 build x86-64 "${settings[@]}" -DVATRO_FAST_BUILD="$folder/x86-64-v2"
 cpack --config "$folder/x86-64/CPackConfig.cmake" -G ZIP -B "$folder"
