@@ -1,7 +1,7 @@
 # bench/comparison.gp - draws what compare_all.py has measured.
 #
 # usage: gnuplot -e "data='bench/comparison.dat'" bench/comparison.gp > docs/comparison.svg
-set terminal svg size 900,560 font "sans-serif,12" background "white"
+set terminal svg size 1080,560 font "sans-serif,12" background "white"
 set multiplot layout 2,2
 set style fill solid
 set boxwidth 0.6
