@@ -65,9 +65,9 @@ TEST(Resources, QuotasOfControlGroupsLimitTheProcessors) {
     const int allowed = FakeSystem().processors();
     if (allowed < 2) GTEST_SKIP() << "one processor";
     FakeSystem system;
-    system.write("/proc/self/cgroup", "3:cpu,cpuacct:/jobs/7\n0::/user/work\n");
+    system.write("/proc/self/cgroup", "3:cpu,cpuacct:/jobs/7\n0::/user/job\n");
     // No quota, and one of more processors than the machine has.
-    system.write("/sys/fs/cgroup/user/work/cpu.max", "max 100000\n");
+    system.write("/sys/fs/cgroup/user/job/cpu.max", "max 100000\n");
     system.write("/sys/fs/cgroup/cpu/jobs/7/cpu.cfs_quota_us", "-1\n");
     system.write("/sys/fs/cgroup/cpu/jobs/7/cpu.cfs_period_us", "100000\n");
     system.write("/sys/fs/cgroup/cpu/jobs/cpu.cfs_quota_us", "900000000\n");
