@@ -25,7 +25,9 @@ if [ -z "$VATRO_LINUX" ]; then
 fi
 linux=${VATRO_LINUX:-$source/build}
 
-work=$(mktemp -d)
+# In memory where possible: under the emulator a 32-bit program cannot list a folder of ext4, whose
+# offsets have 64 bits.
+work=$(mktemp -d -p /dev/shm 2> /dev/null || mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 # get_zlib DEBIAN-NAME FOLDER: unpacks zlib's package for another processor. Its lists are kept apart,
