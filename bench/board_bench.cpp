@@ -61,8 +61,9 @@ void captureGeneration(benchmark::State& state) {
         for (const auto& board : boards) {
             MoveList list;
             const PinInfo pins = computePins(*board);
-            board->sideToMove == White ? generateCaptures<White>(*board, pins, list)
-                                       : generateCaptures<Black>(*board, pins, list);
+            const SquareMask everywhere = ~SquareMask{0};
+            board->sideToMove == White ? generateCaptures<White>(*board, pins, everywhere, list)
+                                       : generateCaptures<Black>(*board, pins, everywhere, list);
             benchmark::DoNotOptimize(list);
         }
     }

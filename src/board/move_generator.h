@@ -64,11 +64,15 @@ template <Colour Us, MoveSet Wanted, typename Sink>
 class Generator {
   public:
     Generator(const Board_0x88& position, const PinInfo& pins, Sink& out)
+        : Generator(position, pins, out, position.pieceMask[Side<Us>::Them][NoPiece]) {}
+    /// Captures only on the squares of `victims`, apart from en passant.
+    Generator(const Board_0x88& position, const PinInfo& pins, Sink& out, SquareMask victims)
         : board(position),
           info(pins),
           sink(out),
           own(position.pieceMask[Us][NoPiece]),
           enemies(position.pieceMask[S::Them][NoPiece]),
+          capturable(victims & enemies),
           king(position.hasKing(Us) ? as64(position.kingSquare(Us)) : NoSquare64) {
         if (!info.inCheck()) {
             evasions = ~SquareMask{0};
@@ -109,7 +113,7 @@ class Generator {
         }
     }
 
-    SquareMask wantedTargets() const { return Wanted == MoveSet::Captures ? enemies : ~own; }
+    SquareMask wantedTargets() const { return Wanted == MoveSet::Captures ? capturable : ~own; }
 
     /// The pieces in the slots of their type. Slots are visited in ascending order.
     template <PieceType Type>
@@ -143,7 +147,7 @@ class Generator {
     SquareMask activePawns() const {
         const SquareMask pawns = board.pieceMask[Us][Pawn];
         constexpr SquareMask seventhRank = SquareMask{0xFF} << (8 * S::SeventhRank);
-        return pawns & (pawnReach<S::Them>(enemies) | seventhRank);
+        return pawns & (pawnReach<S::Them>(capturable) | seventhRank);
     }
 
     [[gnu::noinline]] void addPawnsAndSurplus() {
@@ -245,7 +249,7 @@ class Generator {
     void addPawnMoves(Square square) {
         const Square64 from = as64(square);
         const bool promotes = rankOf(square) == S::SeventhRank;
-        const SquareMask captures = pawnAttacks[Us][from] & enemies;
+        const SquareMask captures = pawnAttacks[Us][from] & capturable;
         if (Wanted == MoveSet::Captures && !promotes && !captures) return;
         const SquareMask allowed = allowedFrom(from);
         if (captures & allowed) {
@@ -322,6 +326,7 @@ class Generator {
     Sink& sink;
     SquareMask own;
     SquareMask enemies;
+    SquareMask capturable;
     Square64 king;        // NoSquare64 without one
     SquareMask evasions;  // targets that answer the check; every square when there is none
 };

@@ -10,7 +10,6 @@ namespace {
 
 // By piece type, NoPiece to King. Tuned; no derivation.
 constexpr int orderingValue[PieceTypeCount] = {0, 1, 2, 2, 3, 4, 5};
-constexpr int captureValue[PieceTypeCount] = {0, 125, 400, 400, 600, 1125, 0};
 constexpr int coarseValue[PieceTypeCount] = {0, 1, 3, 3, 4, 5, 0};
 
 /// The rule of thumb: the victim is weaker, and a pawn defends it; or a knight does, against a
@@ -157,10 +156,11 @@ class CaptureSink {
 template <Colour Us>
 [[gnu::noinline]] void appendCaptures(const Board_0x88& board,
                                       const PinInfo& info,
+                                      SquareMask victims,
                                       typename CaptureSink<Us>::Choice choice,
                                       MoveList& list) {
     CaptureSink<Us> sink(board, choice, list);
-    Generator<Us, MoveSet::Captures, CaptureSink<Us>>(board, info, sink).generate();
+    Generator<Us, MoveSet::Captures, CaptureSink<Us>>(board, info, sink, victims).generate();
 }
 
 }  // namespace
@@ -196,12 +196,16 @@ template <Colour Us>
 
 template <Colour Us>
 void generateGoodCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list) {
-    appendCaptures<Us>(board, info, CaptureSink<Us>::Choice::Good, list);
+    const SquareMask all = board.pieceMask[Side<Us>::Them][NoPiece];
+    appendCaptures<Us>(board, info, all, CaptureSink<Us>::Choice::Good, list);
 }
 
 template <Colour Us>
-void generateCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list) {
-    appendCaptures<Us>(board, info, CaptureSink<Us>::Choice::All, list);
+void generateCaptures(const Board_0x88& board,
+                      const PinInfo& info,
+                      SquareMask victims,
+                      MoveList& list) {
+    appendCaptures<Us>(board, info, victims, CaptureSink<Us>::Choice::All, list);
 }
 
 template bool isBadCapture<White>(const Board_0x88&, Move, int&);
@@ -216,7 +220,7 @@ template void generateScoredMoves<Black>(const Board_0x88&,
                                          MoveList&);
 template void generateGoodCaptures<White>(const Board_0x88&, const PinInfo&, MoveList&);
 template void generateGoodCaptures<Black>(const Board_0x88&, const PinInfo&, MoveList&);
-template void generateCaptures<White>(const Board_0x88&, const PinInfo&, MoveList&);
-template void generateCaptures<Black>(const Board_0x88&, const PinInfo&, MoveList&);
+template void generateCaptures<White>(const Board_0x88&, const PinInfo&, SquareMask, MoveList&);
+template void generateCaptures<Black>(const Board_0x88&, const PinInfo&, SquareMask, MoveList&);
 
 }  // namespace vatro

@@ -1,10 +1,35 @@
 // board/move_ordering.h - how promising a move looks before it is searched.
 #pragma once
 
+#include <climits>
+
 #include "board/attacks.h"
 #include "board/board.h"
+#include "board/side.h"
 
 namespace vatro {
+
+/// What taking a piece gains, in centipawns, by type. Tuned; no derivation.
+constexpr int captureValue[PieceTypeCount] = {0, 125, 400, 400, 600, 1125, 0};
+
+/// Enemy pieces, the king left out.
+struct Victims {
+    SquareMask squares;
+    int mostLeftOut;  // the highest value of the pieces that are not among them; INT_MIN for none
+};
+
+/// Those whose capture gains more than `least`, which is below INT_MAX.
+template <Colour Us>
+Victims victimsAbove(const Board_0x88& board, int least) {
+    const SquareMask* theirs = board.pieceMask[Side<Us>::Them];
+    Victims victims = {theirs[NoPiece] ^ theirs[King], INT_MIN};
+    for (const PieceType type : {Pawn, Knight, Bishop, Rook, Queen}) {
+        if (captureValue[type] > least) break;
+        victims.squares ^= theirs[type];
+        victims.mostLeftOut = captureValue[type];
+    }
+    return victims;
+}
 
 /// True when a capture loses material by a rule of thumb. `gain` receives what the move wins, in
 /// centipawns; castling leaves it unchanged.
@@ -61,8 +86,12 @@ void generateScoredMoves(const Board_0x88& board,
 template <Colour Us>
 void generateGoodCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list);
 
-/// Appends the legal captures and promotions to a queen, scored by victim and attacker alone.
+/// Appends the legal captures on the squares of `victims`, en passant and promotions to a queen,
+/// scored by victim and attacker alone.
 template <Colour Us>
-void generateCaptures(const Board_0x88& board, const PinInfo& info, MoveList& list);
+void generateCaptures(const Board_0x88& board,
+                      const PinInfo& info,
+                      SquareMask victims,
+                      MoveList& list);
 
 }  // namespace vatro

@@ -1,10 +1,8 @@
-// board/move_picker.h - hands out the moves of a search node, one at a time, best first.
+// board/move_picker.h - hands out all legal moves of a node, one at a time, best first.
 //
 // Preferred moves come before anything is generated; a stage generates only when it is reached.
 // The board must be the same at every call of `next`.
 #pragma once
-
-#include <utility>
 
 #include "board/attacks.h"
 #include "board/board.h"
@@ -25,13 +23,8 @@ class RefusedMoveListener {
 
 class MovePicker {
   public:
-    /// What is handed out after the preferred moves: all legal moves, or captures and promotions to
-    /// a queen.
-    enum class Phase { AllMoves, Captures };
-
     /// A picker for the side to move, whose pins and checkers are given.
-    MovePicker(const Board_0x88& position, const PinInfo& pins, Phase moves)
-        : info(pins), board(position), phase(moves) {}
+    MovePicker(const Board_0x88& position, const PinInfo& pins) : info(pins), board(position) {}
 
     /// Moves to hand out before all others; NoMove for none. Each is tested before it is handed
     /// out, so they may come from a table entry or a line that belongs to another position. A
@@ -72,14 +65,12 @@ class MovePicker {
         constexpr int OtherMoves = 107;    // queen, pairs of the others, king and castlings
         constexpr int MaxSurplus = 3;      // each at most a queen in place of a pawn
         static_assert(PawnMoves + OtherMoves + MaxSurplus * (27 - 12) < MoveList::Capacity);
-        return phase == Phase::AllMoves && !info.inCheck() &&
-               board.pieceLists[Us].counts[PieceList::Surplus] <= MaxSurplus;
+        return !info.inCheck() && board.pieceLists[Us].counts[PieceList::Surplus] <= MaxSurplus;
     }
 
     bool isPlayable(Move move) const {
         return isValidMove(board, move) && isLegal(board, move, info);
     }
-    Move selectBest();
 
     MoveList list;
     KillerSet killers;
@@ -87,23 +78,10 @@ class MovePicker {
     const Board_0x88& board;
     RefusedMoveListener* refusalListener = nullptr;  // the caller's; outlives the picker
     unsigned current = 0;
-    Phase phase;
     Stage stage = Stage::First;
     Move firstMove = NoMove;
     Move secondMove = NoMove;
 };
-
-/// Swaps the best of the remaining moves to the front: every strictly better one that the scan
-/// meets changes places with it, so the order of equal moves follows from the swaps.
-inline Move MovePicker::selectBest() {
-    ScoredMove* const front = list.moves + current++;
-    ScoredMove best = *front;
-    for (ScoredMove* entry = front + 1; entry != list.moves + list.count; ++entry) {
-        if (entry->score > best.score) std::swap(best, *entry);
-    }
-    *front = best;
-    return best.move;
-}
 
 template <Colour Us>
 Move MovePicker::next() {
@@ -126,10 +104,6 @@ Move MovePicker::next() {
             [[fallthrough]];
         case Stage::Generate:
             stage = Stage::Selected;
-            if (phase == Phase::Captures) {
-                generateCaptures<Us>(board, info, list);
-                return nextSelected();
-            }
             killers = KillerSet(board);  // the search of the captures will change them
             if (!beginsWithGoodCaptures<Us>()) {
                 generateScoredMoves<Us>(board, info, killers, list);
@@ -154,7 +128,7 @@ Move MovePicker::next() {
 
 inline Move MovePicker::nextSelected() {
     while (current < list.count) {
-        const Move move = selectBest();
+        const Move move = selectBest(list, current++);
         if (!isPreferred(move)) return move;
     }
     return NoMove;

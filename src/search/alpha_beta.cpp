@@ -146,7 +146,7 @@ int Searcher::alphaBeta(const NodeWindow& window, PrincipalVariation& line) {
     // 9. The moves; a forced one costs no depth near the root.
     const PinInfo pins = computePins<Us>(board, 0);
     if (node.height <= SingleReplyHeight && hasOnlyOneLegalMove<Us>(board, pins)) ++node.depth;
-    MovePicker picker(board, pins, MovePicker::Phase::AllMoves);
+    MovePicker picker(board, pins);
     picker.prefer(line.first(), node.tableMove, &context.reporter);
     return searchMoves<Us>(picker, node, line, [](int) {});
 }
@@ -159,7 +159,7 @@ int Searcher::searchEvasions(SquareMask checkers,
     if (const std::optional<int> score = openNode<Us>(window, line, node)) return *score;
     if (isLineFull(board)) return evaluateHere(node);
 
-    MovePicker picker(board, computePins<Us>(board, checkers), MovePicker::Phase::AllMoves);
+    MovePicker picker(board, computePins<Us>(board, checkers));
     picker.prefer(line.first(), node.tableMove, &context.reporter);
     node.inCheck = true;
     return searchMoves<Us>(picker, node, line, [](int) {});

@@ -3,6 +3,7 @@
 // The transposition table is not used here, and cutoffs make no killers.
 #include <utility>
 
+#include "board/capture_picker.h"
 #include "search/search_moves.h"
 
 namespace vatro {
@@ -31,12 +32,12 @@ int Searcher::quiescence(const NodeWindow& window, PrincipalVariation& line) {
     const int standPat = evaluateHere(node);  // the side to move need not capture
     if (standPat >= node.beta || isLineFull(board)) return standPat;
 
-    MovePicker picker(board, computePins<Us>(board, 0), MovePicker::Phase::Captures);
+    CapturePicker picker(board);
     if (!line.empty() && isTactical(board, line.moves[0])) picker.prefer(line.moves[0]);
     BestMove best(node, standPat, line);
     PrincipalVariation childLine;
     bool isFirst = true;
-    while (const Move move = picker.next<Us>()) {
+    while (const Move move = picker.next<Us>(node.alpha - best.score())) {
         const bool wasFirst = std::exchange(isFirst, false);
         int gain = 0;
         if (isBadCapture<Us>(board, move, gain)) continue;

@@ -118,7 +118,7 @@ int Searcher::searchRoot(const NodeWindow& window, PrincipalVariation& line) {
     };
 
     // 3. The moves. A stopped search keeps the best of those it has finished.
-    MovePicker picker(board, computePins<Us>(board, checkers), MovePicker::Phase::AllMoves);
+    MovePicker picker(board, computePins<Us>(board, checkers));
     picker.prefer(line.first());
     RootPicker allowed(picker, *this, node.depth);
     const int score = searchMoves<Us>(allowed, node, line, afterMove);

@@ -115,8 +115,9 @@ TEST(MoveGeneration, CountAndCapturesAgreeWithTheList) {
             }
         }
         MoveList captures;
-        board.sideToMove == White ? generateCaptures<White>(board, pins, captures)
-                                  : generateCaptures<Black>(board, pins, captures);
+        const SquareMask everywhere = ~SquareMask{0};
+        board.sideToMove == White ? generateCaptures<White>(board, pins, everywhere, captures)
+                                  : generateCaptures<Black>(board, pins, everywhere, captures);
         Texts found;
         for (const ScoredMove& entry : captures) {
             found.push_back(moveToText(entry.move));

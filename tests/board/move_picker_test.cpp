@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 
+#include "board/capture_picker.h"
 #include "board/piece_square_table.h"
 #include "support.h"
 
@@ -35,11 +36,10 @@ std::vector<Move> pickAll(MovePicker& picker) {
 }
 
 std::vector<Move> pickAll(const Board_0x88& board,
-                          MovePicker::Phase phase,
                           Move first = NoMove,
                           Move second = NoMove,
                           RefusedMoveListener* listener = nullptr) {
-    MovePicker picker(board, computePins(board), phase);
+    MovePicker picker(board, computePins(board));
     picker.prefer(first, second, listener);
     return board.sideToMove == White ? pickAll<White>(picker) : pickAll<Black>(picker);
 }
@@ -55,8 +55,9 @@ MoveList scoredMoves(const Board_0x88& board) {
 MoveList scoredCaptures(const Board_0x88& board) {
     MoveList list;
     const PinInfo info = computePins(board);
-    board.sideToMove == White ? generateCaptures<White>(board, info, list)
-                              : generateCaptures<Black>(board, info, list);
+    const SquareMask everywhere = ~SquareMask{0};
+    board.sideToMove == White ? generateCaptures<White>(board, info, everywhere, list)
+                              : generateCaptures<Black>(board, info, everywhere, list);
     return list;
 }
 
@@ -141,8 +142,7 @@ TEST(MovePicker, HandsOutPreferredMovesThenTheRestByScoreEachOnce) {
         for (const Move move : ordered) {
             if (move != first && move != second) expected.push_back(move);
         }
-        ASSERT_EQ(pickAll(board, MovePicker::Phase::AllMoves, first, second), expected)
-            << board.toFEN();
+        ASSERT_EQ(pickAll(board, first, second), expected) << board.toFEN();
     };
     for (const char* fen : richPositions) {
         for (int game = 0; game < 4; ++game) {
@@ -179,7 +179,7 @@ TEST(MovePicker, KillersAreThoseOfTheFirstGeneratedMove) {
         boardOf("r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq - 0 1");
     board->record().killers[0] = findMove(*board, "a2a3");
     const std::vector<Move> expected = selectionOrder(scoredMoves(*board));
-    MovePicker picker(*board, computePins(*board), MovePicker::Phase::AllMoves);
+    MovePicker picker(*board, computePins(*board));
     std::vector<Move> picked = {picker.next<White>()};
     board->record().killers[0] = findMove(*board, "e1g1");
     board->plyRecords[board->ply + 2].killers[0] = findMove(*board, "c3b1");
@@ -188,17 +188,63 @@ TEST(MovePicker, KillersAreThoseOfTheFirstGeneratedMove) {
     EXPECT_EQ(picked, expected);
 }
 
-TEST(MovePicker, CapturesAreSortedByVictimThenAttacker) {
+/// What the picker hands out that gains more than `least`, which falls by `fall` after each move.
+template <Colour Us>
+std::vector<Move> pickCaptures(const Board_0x88& board, Move preferred, int least, int fall) {
+    CapturePicker picker(board);
+    picker.prefer(preferred);
+    std::vector<Move> picked;
+    while (const Move move = picker.next<Us>(least)) {
+        int gain = 0;
+        isBadCapture<Us>(board, move, gain);
+        if (gain <= least) continue;
+        picked.push_back(move);
+        least -= fall;
+    }
+    return picked;
+}
+
+std::vector<Move> pickCaptures(const Board_0x88& board, Move preferred, int least, int fall) {
+    return board.sideToMove == White ? pickCaptures<White>(board, preferred, least, fall)
+                                     : pickCaptures<Black>(board, preferred, least, fall);
+}
+
+TEST(CapturePicker, LeavesOutWhatGainsTooLittleAndKeepsTheOrderOfTheRest) {
     TestRandom random(10);
+    const auto check = [&](const Board_0x88& board) {
+        if (inCheck(board)) return;
+        std::vector<Move> order = selectionOrder(scoredCaptures(board));
+        Move preferred = NoMove;
+        if (!order.empty() && random.below(2)) {
+            preferred = order[random.below(order.size())];
+            order.erase(std::find(order.begin(), order.end(), preferred));
+            order.insert(order.begin(), preferred);
+        }
+        const int first = static_cast<int>(random.below(1300)) - 100;
+        const int fall = static_cast<int>(random.below(3)) * 250;
+        std::vector<Move> expected;
+        int least = first;
+        for (const Move move : order) {
+            int gain = 0;
+            isBadCaptureHere(board, move, gain);
+            if (gain <= least) continue;
+            expected.push_back(move);
+            least -= fall;
+        }
+        ASSERT_EQ(pickCaptures(board, preferred, first, fall), expected)
+            << board.toFEN() << ' ' << preferred << ' ' << first << ' ' << fall;
+    };
     for (const char* fen : richPositions) {
-        forEachRandomPosition(fen, 100, random, [](const Board_0x88& board) {
-            ASSERT_EQ(pickAll(board, MovePicker::Phase::Captures),
-                      selectionOrder(scoredCaptures(board)));
-        });
+        for (int game = 0; game < 10; ++game) {
+            forEachRandomPosition(fen, 100, random, check);
+        }
+    }
+    for (const char* fen : oddPositions) {
+        forEachRandomPosition(fen, 100, random, check);
     }
     const auto board = boardOf("4k3/8/8/1r1q4/2P1N3/8/8/3RK3 w - - 0 1");
     std::vector<std::string> texts;
-    for (const Move move : pickAll(*board, MovePicker::Phase::Captures)) {
+    for (const Move move : pickCaptures(*board, NoMove, 0, 0)) {
         texts.push_back(moveToText(move));
     }
     EXPECT_EQ(texts, (std::vector<std::string>{"c4d5", "d1d5", "c4b5"}));
@@ -212,8 +258,7 @@ TEST(MovePicker, NeverHandsOutAMoveThatIsNotLegalHere) {
             for (int i = 0; i < 50; ++i) {
                 const auto first = static_cast<Move>(random.below(0x10000));
                 const auto second = static_cast<Move>(random.below(0x10000));
-                std::vector<Move> picked =
-                    pickAll(board, MovePicker::Phase::AllMoves, first, second);
+                std::vector<Move> picked = pickAll(board, first, second);
                 ASSERT_TRUE(
                     std::is_permutation(picked.begin(), picked.end(), legal.begin(), legal.end()))
                     << board.toFEN() << ' ' << first << ' ' << second;
@@ -246,8 +291,7 @@ TEST(MovePicker, TellsOfTheSecondPreferredMoveThatDoesNotFit) {
     };
     for (const Case& c : cases) {
         Refusals refusals;
-        EXPECT_EQ(pickAll(*board, MovePicker::Phase::AllMoves, c.first, c.second, &refusals).size(),
-                  20U);
+        EXPECT_EQ(pickAll(*board, c.first, c.second, &refusals).size(), 20U);
         EXPECT_EQ(refusals.moves, c.refused) << c.first << ' ' << c.second;
     }
 }
