@@ -75,13 +75,15 @@ void sortAsSelected(MoveList& list) {
         end = first + 1;
         while (end < count && sorted[end].score == sorted[first].score)
             ++end;
-        unsigned selections = better.countBelow(places[first]);
-        for (unsigned i = first + 1; i < end; ++i) {
-            const unsigned joinsAfter = better.countBelow(places[i]);
-            turn(sorted + first, sorted + i, joinsAfter - selections);
-            selections = joinsAfter;
+        if (end > first + 1) {
+            unsigned selections = better.countBelow(places[first]);
+            for (unsigned i = first + 1; i < end; ++i) {
+                const unsigned joinsAfter = better.countBelow(places[i]);
+                turn(sorted + first, sorted + i, joinsAfter - selections);
+                selections = joinsAfter;
+            }
+            turn(sorted + first, sorted + end, first - selections);  // `first` moves are better
         }
-        turn(sorted + first, sorted + end, first - selections);  // `first` moves are better
         for (unsigned i = first; i < end; ++i)
             better.add(places[i]);
     }

@@ -90,8 +90,8 @@ int evaluatePosition(
     const auto forMover = [mover](int whiteLead) {
         return mover == White ? whiteLead : -whiteLead;
     };
-    const int base = taper(board.pstScore[White], phase) + taper(material.material, phase) -
-                     taper(board.pstScore[Black], phase);
+    const int base =
+        taper(board.pstScore[White], phase) + material.lead - taper(board.pstScore[Black], phase);
     const int lazy = forMover(base) + phase;
     breakdown.add(EvalRow::Material, White, material.material);
     breakdown.add(EvalRow::PieceSquare, White, board.pstScore[White]);

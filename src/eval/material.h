@@ -17,6 +17,7 @@ namespace vatro {
 struct MaterialInfo {
     int phase = 0;       // 0 to FullPhase
     ScorePair material;  // White's minus Black's
+    int lead = 0;        // the same, tapered
     bool canWin[ColourCount] = {};
 };
 
@@ -58,14 +59,15 @@ inline MaterialInfo computeMaterial(const Board_0x88& board) {
     const auto lead = [&](PieceType type) {
         return board.count(White, type) - board.count(Black, type);
     };
-    const int phase =
-        both(Knight) + both(Bishop) + 2 * both(Rook) + 4 * both(Queen);  // usual weights
+    const int phase = std::min(FullPhase, both(Knight) + both(Bishop) + 2 * both(Rook) +
+                                              4 * both(Queen));  // usual weights
     const ScoreSum material = lead(Pawn) * pawnValue + lead(Knight) * knightValue +
                               lead(Bishop) * bishopValue + lead(Rook) * rookValue +
                               lead(Queen) * queenValue + materialAdjustment(board, White) -
                               materialAdjustment(board, Black);
-    return {std::min(FullPhase, phase),
+    return {phase,
             material.pair(),
+            taper(material, phase),
             {canMate(board, White), canMate(board, Black)}};
 }
 
