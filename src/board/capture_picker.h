@@ -68,7 +68,7 @@ inline void CapturePicker::generate(int least) {
     const bool wantsAll = latest || hasOddGains<Us>();
     const Victims victims = victimsAbove<Us>(board, wantsAll ? INT_MIN : least);
     mostLeftOut = victims.mostLeftOut;
-    if (!wantsAll && !victims.squares) return;
+    if (!victims.squares && !wantsAll) return;
     list.count = current = 0;
     generateCaptures<Us>(board, computePins<Us>(board, 0), victims.squares, list);
     if (!latest) return;

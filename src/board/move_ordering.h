@@ -12,22 +12,24 @@ namespace vatro {
 /// What taking a piece gains, in centipawns, by type. Tuned; no derivation.
 constexpr int captureValue[PieceTypeCount] = {0, 125, 400, 400, 600, 1125, 0};
 
-/// Enemy pieces, the king left out.
+/// Enemy pieces that may be taken.
 struct Victims {
     SquareMask squares;
     int mostLeftOut;  // the highest value of the pieces that are not among them; INT_MIN for none
 };
 
-/// Those whose capture gains more than `least`, which is below INT_MAX.
+/// Those whose capture gains more than `least`. The king is always among them, unless it is alone:
+/// where a FEN lets it be taken, that counts as nothing but comes first.
 template <Colour Us>
 Victims victimsAbove(const Board_0x88& board, int least) {
     const SquareMask* theirs = board.pieceMask[Side<Us>::Them];
-    Victims victims = {theirs[NoPiece] ^ theirs[King], INT_MIN};
+    Victims victims = {theirs[NoPiece], INT_MIN};
     for (const PieceType type : {Pawn, Knight, Bishop, Rook, Queen}) {
         if (captureValue[type] > least) break;
         victims.squares ^= theirs[type];
         victims.mostLeftOut = captureValue[type];
     }
+    if (victims.mostLeftOut != INT_MIN && victims.squares == theirs[King]) victims.squares = 0;
     return victims;
 }
 

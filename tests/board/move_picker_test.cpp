@@ -242,6 +242,8 @@ TEST(CapturePicker, LeavesOutWhatGainsTooLittleAndKeepsTheOrderOfTheRest) {
     for (const char* fen : oddPositions) {
         forEachRandomPosition(fen, 100, random, check);
     }
+    check(*boardOf("3rk3/3pp3/8/8/4R3/8/8/4K2B w - - 0 1"));
+    check(*boardOf("r2qk3/1P1b4/2N1p3/8/B3R3/5N2/8/3RK2B w - - 0 1"));  // the king can be taken
     const auto board = boardOf("4k3/8/8/1r1q4/2P1N3/8/8/3RK3 w - - 0 1");
     std::vector<std::string> texts;
     for (const Move move : pickCaptures(*board, NoMove, 0, 0)) {
