@@ -106,10 +106,10 @@ constexpr Square squareAt(int file, int rank) { return static_cast<Square>(rank 
 constexpr Square64 square64At(int file, int rank) { return static_cast<Square64>(rank * 8 + file); }
 
 constexpr Square64 as64(Square square) {
-    return static_cast<Square64>((square & 7) | ((square >> 4) << 3));
+    return static_cast<Square64>((square + (square & 7)) >> 1);
 }
 constexpr Square as88(Square64 square) {
-    return static_cast<Square>((square & 7) | ((square & 0x38) << 1));
+    return static_cast<Square>(square + (square & 0x38));
 }
 
 /// The mask with its ranks in reverse order.
