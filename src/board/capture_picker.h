@@ -32,7 +32,7 @@ class CapturePicker {
     /// Makes the list anew, with what gains more than `least`, up to the move handed out last.
     template <Colour Us>
     void generate(int least);
-    /// Promotions and en passant gain something else than their victim.
+    /// Promotions and en passant do not gain what stands on their target.
     template <Colour Us>
     bool hasOddGains() const {
         constexpr SquareMask seventhRank = SquareMask{0xFF} << (8 * Side<Us>::SeventhRank);
@@ -72,7 +72,7 @@ inline void CapturePicker::generate(int least) {
     list.count = current = 0;
     generateCaptures<Us>(board, computePins<Us>(board, 0), victims.squares, list);
     if (!latest) return;
-    while (selectBest(list, current++) != latest) {
+    while (current < list.count && selectBest(list, current++) != latest) {
     }
 }
 

@@ -18,8 +18,8 @@ struct Victims {
     int mostLeftOut;  // the highest value of the pieces that are not among them; INT_MIN for none
 };
 
-/// Those whose capture gains more than `least`. The king is always among them, unless it is alone:
-/// where a FEN lets it be taken, that counts as nothing but comes first.
+/// Those whose capture gains more than `least`, and the king with them: where a FEN lets it be
+/// taken, that comes first and gains nothing. None, when only the king would be left.
 template <Colour Us>
 Victims victimsAbove(const Board_0x88& board, int least) {
     const SquareMask* theirs = board.pieceMask[Side<Us>::Them];

@@ -108,9 +108,7 @@ constexpr Square64 square64At(int file, int rank) { return static_cast<Square64>
 constexpr Square64 as64(Square square) {
     return static_cast<Square64>((square + (square & 7)) >> 1);
 }
-constexpr Square as88(Square64 square) {
-    return static_cast<Square>(square + (square & 0x38));
-}
+constexpr Square as88(Square64 square) { return static_cast<Square>(square + (square & 0x38)); }
 
 /// The mask with its ranks in reverse order.
 constexpr SquareMask mirrorRanks(SquareMask mask) {

@@ -44,9 +44,7 @@ Limit nextLimit(Session& session) {
 /// Centiseconds that may go by on a busy machine while the plan is made and printed.
 constexpr int Late = 20;
 
-bool isJustBelow(int before, int now) {
-    return before - Late <= now && now <= before;
-}
+bool isJustBelow(int before, int now) { return before - Late <= now && now <= before; }
 
 TEST(Clock, NoPlanGoesBeyondIt) {
     Session session;
