@@ -8,6 +8,7 @@ namespace vatro {
 inline void prefetch([[maybe_unused]] const void* address) {
 #if defined(__GNUC__)
     __builtin_prefetch(address);
+    asm volatile("");  // or g++ takes a function that only fetches for one without an effect
 #endif
 }
 

@@ -4,6 +4,8 @@
 // The board must be the same at every call of `next`.
 #pragma once
 
+#include <algorithm>
+
 #include "board/attacks.h"
 #include "board/board.h"
 #include "board/legality.h"
@@ -39,10 +41,16 @@ class MovePicker {
     template <Colour Us>
     Move next();
 
-    /// The move that `next` will probably give after the one that it has just given; NoMove when
-    /// that is not known.
-    Move upcoming() const {
-        return stage == Stage::Sorted && current < list.count ? list.moves[current].move : NoMove;
+    /// Visits the move that `next` has just given and those that it will probably give soon, each
+    /// once: the further the list has come, the more at a time, as a cutoff gets less likely.
+    template <typename Visit>
+    void announce(Move given, Visit visit) {
+        if (stage <= Stage::Generate) return visit(given);
+        if (current <= announced) return;
+        announced = std::min(list.count, 2 * current + 2);
+        for (unsigned i = current - 1; i < announced; ++i) {
+            visit(list.moves[i].move);
+        }
     }
 
   private:
@@ -77,7 +85,8 @@ class MovePicker {
     PinInfo info;
     const Board_0x88& board;
     RefusedMoveListener* refusalListener = nullptr;  // the caller's; outlives the picker
-    unsigned current = 0;
+    unsigned current = 0;                            // moves of the list that have been handed out
+    unsigned announced = 0;                          // moves of the list that have been announced
     Stage stage = Stage::First;
     Move firstMove = NoMove;
     Move secondMove = NoMove;

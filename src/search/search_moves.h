@@ -43,9 +43,9 @@ inline void handDown(const PrincipalVariation& line, Move move, PrincipalVariati
     if (!line.empty() && line.moves[0] == move) childLine.setToRestOf(line);
 }
 
-/// Fetches what the transposition table has on the position after a move, if there is one.
+/// Fetches what the transposition table has on the position after a move.
 inline void Searcher::prefetchAfter(Move move) const {
-    if (move) context.transpositionTable.prefetch(likelyKeyAfter(board, move));
+    context.transpositionTable.prefetch(likelyKeyAfter(board, move));
 }
 
 /// Plays the move, lets `search` score the position after it, and takes the move back.
@@ -92,11 +92,9 @@ inline int Searcher::searchMoves(Picker& picker,
     PrincipalVariation childLine;
     bool isFirst = true;
     while (const Move move = picker.template next<Us>()) {
-        if (node.depth > 1) {  // the table is not asked beyond the horizon, except in check
-            prefetchAfter(move);
-            // Making a move takes less time than a fetch from memory; searching one takes more.
-            if constexpr (requires { picker.upcoming(); }) prefetchAfter(picker.upcoming());
-        }
+        // Fetched together, entries take little longer than one. The table is not asked beyond the
+        // horizon, except in check.
+        if (node.depth > 1) picker.announce(move, [this](Move soon) { prefetchAfter(soon); });
         handDown(line, move, childLine);
         const int alpha = best.alpha();
         const bool reduces = !node.inCheck && !isFirst && node.depth >= ReducibleDepth &&

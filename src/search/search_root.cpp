@@ -34,6 +34,10 @@ class Searcher::RootPicker {
         }
         return latest;
     }
+    template <typename Visit>
+    void announce(Move given, Visit visit) {
+        picker.announce(given, visit);
+    }
     /// The best score is then not that of the position.
     bool leavesOutMoves() const {
         return searcher.linesFound > 0 || !searcher.context.limits.rootMoves.empty();
