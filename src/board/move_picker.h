@@ -41,8 +41,9 @@ class MovePicker {
     template <Colour Us>
     Move next();
 
-    /// Visits the move that `next` has just given and those that it will probably give soon, each
-    /// once: the further the list has come, the more at a time, as a cutoff gets less likely.
+    /// Visits the move that `next` has just given and those of the list that it will probably give
+    /// soon; call it after each `next`, and no move of the list is visited twice. The further the
+    /// list has come, the more at a time, as a cutoff gets less likely.
     template <typename Visit>
     void announce(Move given, Visit visit) {
         if (stage <= Stage::Generate) return visit(given);
