@@ -84,9 +84,9 @@ void makeAndUnmake(benchmark::State& state) {
         for (std::size_t i = 0; i < boards.size(); ++i) {
             for (const ScoredMove& entry : lists[i]) {
                 UndoRecord undo;
-                Make(*boards[i], entry.move, undo);
+                Make(*boards[i], entry.move(), undo);
                 benchmark::ClobberMemory();
-                Unmake(*boards[i], entry.move, undo);
+                Unmake(*boards[i], entry.move(), undo);
             }
             moves += lists[i].count;
         }
@@ -129,9 +129,9 @@ std::uint64_t countWithoutHash(Board_0x88& board, unsigned depth) {
     std::uint64_t leaves = 0;
     for (const ScoredMove& entry : list) {
         UndoRecord undo;
-        makeMovePerft<Us>(board, entry.move, undo);
+        makeMovePerft<Us>(board, entry.move(), undo);
         leaves += countWithoutHash<Side<Us>::Them>(board, depth - 1);
-        unmakeMovePerft<Us>(board, entry.move, undo);
+        unmakeMovePerft<Us>(board, entry.move(), undo);
     }
     return leaves;
 }

@@ -39,7 +39,7 @@ std::vector<std::unique_ptr<Board_0x88>> setUpPositions() {
         for (unsigned i = 0; i < SuccessorsEach; ++i) {
             boards.push_back(std::make_unique<Board_0x88>(*board));
             UndoRecord undo;
-            makeMove(*boards.back(), moves.moves[i * moves.count / SuccessorsEach].move, undo);
+            makeMove(*boards.back(), moves.moves[i * moves.count / SuccessorsEach].move(), undo);
             boards.back()->halfmoveClock = 0;  // the lazy cut needs the full scale
         }
     }

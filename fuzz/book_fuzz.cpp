@@ -50,7 +50,7 @@ bool isLegalHere(const Board_0x88& board, Move move) {
     MoveList legal;
     generateLegalMoves(board, legal);
     for (const ScoredMove& entry : legal) {
-        if (entry.move == move) return true;
+        if (entry.move() == move) return true;
     }
     return false;
 }

@@ -27,10 +27,10 @@ void playAll(Board_0x88& board, int depth) {
     unsigned index = 0;
     for (const ScoredMove& entry : list) {
         UndoRecord undo;
-        makeMove(board, entry.move, undo);
+        makeMove(board, entry.move(), undo);
         require(isConsistent(board));
         if (depth > 1 && index++ < 3) playAll(board, depth - 1);
-        unmakeMove(board, entry.move, undo);
+        unmakeMove(board, entry.move(), undo);
     }
     require(isConsistent(board) && board.toFEN() == before);
 }

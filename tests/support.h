@@ -31,7 +31,7 @@ inline std::vector<std::string> legalMoves(const Board_0x88& board) {
     generateLegalMoves(board, list);
     std::vector<std::string> texts;
     for (const ScoredMove& entry : list) {
-        texts.push_back(moveToText(entry.move));
+        texts.push_back(moveToText(entry.move()));
     }
     return texts;
 }
@@ -44,7 +44,7 @@ inline Move findMove(const Board_0x88& board, std::string_view text) {
     MoveList list;
     generateLegalMoves(board, list);
     for (const ScoredMove& entry : list) {
-        if (moveToText(entry.move) == text) return entry.move;
+        if (moveToText(entry.move()) == text) return entry.move();
     }
     return NoMove;
 }
@@ -117,7 +117,7 @@ void forEachRandomPosition(const std::string& fen,
         generateLegalMoves(*board, list);
         if (list.count == 0 || i == plies) return;
         UndoRecord undo;
-        makeMove(*board, list.moves[random.below(list.count)].move, undo);
+        makeMove(*board, list.moves[random.below(list.count)].move(), undo);
     }
 }
 

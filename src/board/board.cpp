@@ -62,9 +62,7 @@ void putInSlot(Board_0x88& board, Square square, PieceType type, Colour colour, 
     board.colourOn[square] = colour;
     board.slotOn[square] = static_cast<std::uint8_t>(slot);
     list.squares[slot] = square;
-    ++list.counts[type];
-    ++list.counts[PieceList::Total];
-    if (slot >= FirstPawnSlot && type != Pawn) ++list.counts[PieceList::Surplus];
+    list.countIn(type, slot);
     const SquareMask bit = maskOf(square);
     board.pieceMask[colour][type] |= bit;
     board.pieceMask[colour][NoPiece] |= bit;

@@ -4,7 +4,10 @@
 // masks by colour and type, kept beside them, answer questions about attacks.
 #pragma once
 
+#include <array>
+#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -41,6 +44,38 @@ struct PieceList {
 
     Square squares[SlotCount];  // NoSquare in an empty slot
     std::uint8_t counts[8];     // by piece type, and the two above
+
+    /// All counts in one word. They are changed as one too: a load that takes in single bytes just
+    /// stored has to wait until they have reached the cache.
+    std::uint64_t countWord() const {
+        std::uint64_t word;
+        static_assert(sizeof word == sizeof counts);
+        std::memcpy(&word, counts, sizeof word);
+        return word;
+    }
+    void countIn(PieceType type, int slot) { setCounts(countWord() + countsOf(type, slot)); }
+    void countOut(PieceType type, int slot) { setCounts(countWord() - countsOf(type, slot)); }
+
+  private:
+    void setCounts(std::uint64_t word) { std::memcpy(counts, &word, sizeof word); }
+    static constexpr std::uint64_t one(int index) {
+        std::array<std::uint8_t, 8> bytes{};
+        bytes[static_cast<unsigned>(index)] = 1;
+        return std::bit_cast<std::uint64_t>(bytes);
+    }
+    /// What a piece adds to the counts.
+    static std::uint64_t countsOf(PieceType type, int slot) {
+        static constexpr std::array<std::uint64_t, PieceTypeCount> inHomeSlot = {
+            0,
+            one(Pawn) + one(Total),
+            one(Knight) + one(Total),
+            one(Bishop) + one(Total),
+            one(Rook) + one(Total),
+            one(Queen) + one(Total),
+            one(King) + one(Total)};
+        const bool isSurplus = slot >= FirstPawnSlot && type != Pawn;
+        return inHomeSlot[type] + (isSurplus ? one(Surplus) : 0);
+    }
 };
 
 /// One record per ply of the line: game moves, then search moves.

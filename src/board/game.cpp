@@ -28,7 +28,7 @@ void Game::takeBack() {
 
 Move pickRandomMove(const MoveList& legalMoves, Random& random) {
     if (legalMoves.count == 0) return NoMove;
-    return legalMoves.moves[random.below(legalMoves.count)].move;
+    return legalMoves.moves[random.below(legalMoves.count)].move();
 }
 
 }  // namespace vatro

@@ -94,9 +94,7 @@ template <Track T>
     board.colourOn[square] = NoColour;
     board.slotOn[square] = NoSlot;
     list.squares[slot] = NoSquare;
-    --list.counts[type];
-    --list.counts[PieceList::Total];
-    if (slot >= FirstPawnSlot && type != Pawn) --list.counts[PieceList::Surplus];
+    list.countOut(type, slot);
     board.pieceMask[colour][type] ^= maskOf(sq64);
     board.pieceMask[colour][NoPiece] ^= maskOf(sq64);
     const Key key = zobrist.pieceSquare(colour, type, sq64);

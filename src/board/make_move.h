@@ -31,13 +31,15 @@ template <Colour Us>
 void unmakeMovePerft(Board_0x88& board, Move move, const UndoRecord& undo);
 
 /// The key after the move; wrong after castling, promotion, en passant, a double step that allows
-/// it, and when rights are lost. For a prefetch, which may miss.
+/// it, and when rights are lost. For a prefetch, which may miss; a table's move need not be
+/// playable.
 inline Key likelyKeyAfter(const Board_0x88& board, Move move) {
     const Square from = fromSquare(move);
     const Square to = toSquare(move);
     const Colour us = board.toMove();
     const PieceType mover = board.pieceAt(from);
     const PieceType victim = board.pieceAt(to);
+    if (mover == NoPiece) return board.record().key;
     Key key = board.record().key ^ zobrist.side ^ zobrist.pieceSquare(us, mover, from64(move)) ^
               zobrist.pieceSquare(us, mover, to64(move));
     if (victim != NoPiece) key ^= zobrist.pieceSquare(~us, victim, to64(move));

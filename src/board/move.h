@@ -72,11 +72,20 @@ struct UndoRecord {
 };
 static_assert(sizeof(UndoRecord) == 4);
 
-struct ScoredMove {
-    Move move;
-    std::int16_t score;
+/// A move and its ordering score. One word, as they are stored and soon loaded together: a load
+/// that takes in two stores has to wait until both have reached the cache.
+class ScoredMove {
+  public:
+    ScoredMove() = default;
+    /// The score has to fit in 16 bits.
+    constexpr ScoredMove(Move move, int score) : word(score * 65536 + move) {}
+
+    constexpr Move move() const { return static_cast<Move>(word); }
+    constexpr int score() const { return word >> 16; }
+
+  private:
+    std::int32_t word;
 };
-static_assert(sizeof(ScoredMove) == 4);
 
 /// Moves with their ordering scores. A full list drops further moves silently.
 struct MoveList {
@@ -86,7 +95,7 @@ struct MoveList {
     unsigned count = 0;
 
     void add(Move move, int score = 0) {
-        if (count < Capacity) moves[count++] = {move, static_cast<std::int16_t>(score)};
+        if (count < Capacity) moves[count++] = {move, score};
     }
     const ScoredMove* begin() const { return moves; }
     const ScoredMove* end() const { return moves + count; }

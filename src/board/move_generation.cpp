@@ -113,10 +113,10 @@ Move findLegalMove(const Board_0x88& board, std::string_view text) {
     });
     MoveList list;
     generateLegalMoves(board, list);
-    const auto* const found =
-        std::find_if(list.begin(), list.end(),
-                     [&lower](const ScoredMove& entry) { return moveToText(entry.move) == lower; });
-    return found == list.end() ? NoMove : found->move;
+    const auto* const found = std::find_if(
+        list.begin(), list.end(),
+        [&lower](const ScoredMove& entry) { return moveToText(entry.move()) == lower; });
+    return found == list.end() ? NoMove : found->move();
 }
 
 unsigned countLegalMoves(const Board_0x88& board) {

@@ -35,6 +35,17 @@ class MovePicker {
         firstMove = first;
         secondMove = second;
         refusalListener = listener;
+        if (first || second) stage = Stage::First;
+    }
+
+    /// Generates the moves now, for a node that waits for memory meanwhile. Where moves are
+    /// preferred afterwards it is done again later, since their search changes the killers.
+    template <Colour Us>
+    void generateAll() {
+        stage = Stage::Selected;
+        list.count = 0;
+        killers = KillerSet(board);
+        generateScoredMoves<Us>(board, info, killers, list);
     }
 
     /// The next move, NoMove at the end.
@@ -50,7 +61,7 @@ class MovePicker {
         if (current <= announced) return;
         announced = std::min(list.count, 2 * current + 2);
         for (unsigned i = current - 1; i < announced; ++i) {
-            visit(list.moves[i].move);
+            visit(list.moves[i].move());
         }
     }
 
@@ -113,13 +124,12 @@ Move MovePicker::next() {
             }
             [[fallthrough]];
         case Stage::Generate:
-            stage = Stage::Selected;
-            killers = KillerSet(board);  // the search of the captures will change them
             if (!beginsWithGoodCaptures<Us>()) {
-                generateScoredMoves<Us>(board, info, killers, list);
+                generateAll<Us>();
                 return nextSelected();
             }
             stage = Stage::GoodCaptures;
+            killers = KillerSet(board);  // the search of the captures will change them
             generateGoodCaptures<Us>(board, info, list);
             [[fallthrough]];
         case Stage::GoodCaptures:
@@ -146,7 +156,7 @@ inline Move MovePicker::nextSelected() {
 
 inline Move MovePicker::nextSorted() {
     while (current < list.count) {
-        const Move move = list.moves[current++].move;
+        const Move move = list.moves[current++].move();
         if (!isPreferred(move)) return move;
     }
     return NoMove;

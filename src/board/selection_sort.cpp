@@ -9,34 +9,32 @@
 namespace vatro {
 namespace {
 
-/// A set of places in a move list.
-class PlaceSet {
-  public:
-    void add(unsigned place) { words[place / 64] |= std::uint64_t{1} << (place % 64); }
-    unsigned countBelow(unsigned place) const {
-        const std::uint64_t below = (std::uint64_t{1} << (place % 64)) - 1;
-        int count = std::popcount(words[place / 64] & below);
-        for (unsigned word = 0; word < place / 64; ++word) {
-            count += std::popcount(words[word]);
-        }
-        return static_cast<unsigned>(count);
-    }
+/// Places of moves in the unsorted list: bit n stands for place n.
+using Places = std::uint64_t;
+constexpr unsigned MostPlaces = 64;
 
-  private:
-    std::uint64_t words[MoveList::Capacity / 64 + 1] = {};
-};
+constexpr Places placeBit(unsigned place) { return Places{1} << place; }
+constexpr unsigned countBelow(Places places, unsigned place) {
+    return static_cast<unsigned>(std::popcount(places & (placeBit(place) - 1)));
+}
 
 /// Puts the first move of a queue at its end, so many times.
 void turn(ScoredMove* first, ScoredMove* end, unsigned times) {
     const auto size = static_cast<unsigned>(end - first);
-    if (size > 1 && times % size != 0) std::rotate(first, first + times % size, end);
+    if (size == 2) {  // most queues; no branch asks whether they change
+        const ScoredMove pair[] = {first[0], first[1]};
+        first[0] = pair[times % 2];
+        first[1] = pair[(times + 1) % 2];
+    } else if (size > 2) {
+        std::rotate(first, first + times % size, end);
+    }
 }
 
 /// Ascending keys: the best score first, equal scores as they stand in the list.
 int sortKey(const ScoredMove& entry, unsigned place) {
-    return -entry.score * 256 + static_cast<int>(place);
+    return -entry.score() * 256 + static_cast<int>(place);
 }
-static_assert(MoveList::Capacity < 256);
+static_assert(MostPlaces <= 256);
 
 }  // namespace
 
@@ -50,17 +48,22 @@ static_assert(MoveList::Capacity < 256);
 // would have seen better ones go.
 void sortAsSelected(MoveList& list) {
     const unsigned count = list.count;
-    int keys[MoveList::Capacity + 1];
+    if (count > MostPlaces) {  // hardly ever
+        for (unsigned place = 0; place < count; ++place)
+            selectBest(list, place);
+        return;
+    }
+    int keys[MostPlaces];
     for (unsigned i = 0; i < count; ++i) {
         keys[i] = sortKey(list.moves[i], i);
     }
     constexpr unsigned Lanes = 8;  // the ranks are counted in whole vectors
-    static_assert((MoveList::Capacity + 1) % Lanes == 0);
+    static_assert(MostPlaces % Lanes == 0);
     const unsigned padded = (count + Lanes - 1) / Lanes * Lanes;
     std::fill(keys + count, keys + padded, std::numeric_limits<int>::max());
 
-    ScoredMove sorted[MoveList::Capacity];
-    std::uint8_t places[MoveList::Capacity];  // in the unsorted list
+    ScoredMove sorted[MostPlaces];
+    std::uint8_t places[MostPlaces];  // in the unsorted list
     for (unsigned i = 0; i < count; ++i) {
         int rank = 0;
         for (unsigned j = 0; j < padded; ++j) {
@@ -70,22 +73,24 @@ void sortAsSelected(MoveList& list) {
         places[rank] = static_cast<std::uint8_t>(i);
     }
 
-    PlaceSet better;  // the places of all moves with a better score
+    const auto haveOneScore = [&](unsigned rank, unsigned next) {
+        return next < count && sorted[next].score() == sorted[rank].score();
+    };
+    Places better = 0;  // of all moves with a better score
     for (unsigned first = 0, end; first < count; first = end) {
+        Places equal = placeBit(places[first]);
         end = first + 1;
-        while (end < count && sorted[end].score == sorted[first].score)
-            ++end;
-        if (end > first + 1) {
-            unsigned selections = better.countBelow(places[first]);
-            for (unsigned i = first + 1; i < end; ++i) {
-                const unsigned joinsAfter = better.countBelow(places[i]);
-                turn(sorted + first, sorted + i, joinsAfter - selections);
+        if (haveOneScore(first, end)) {
+            unsigned selections = countBelow(better, places[first]);
+            for (; haveOneScore(first, end); ++end) {
+                const unsigned joinsAfter = countBelow(better, places[end]);
+                turn(sorted + first, sorted + end, joinsAfter - selections);
                 selections = joinsAfter;
+                equal |= placeBit(places[end]);
             }
             turn(sorted + first, sorted + end, first - selections);  // `first` moves are better
         }
-        for (unsigned i = first; i < end; ++i)
-            better.add(places[i]);
+        better |= equal;
     }
     std::copy_n(sorted, count, list.moves);
 }

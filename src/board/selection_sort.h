@@ -14,10 +14,10 @@ inline Move selectBest(MoveList& list, unsigned place) {
     ScoredMove* const front = list.moves + place;
     ScoredMove best = *front;
     for (ScoredMove* entry = front + 1; entry != list.moves + list.count; ++entry) {
-        if (entry->score > best.score) std::swap(best, *entry);
+        if (entry->score() > best.score()) std::swap(best, *entry);
     }
     *front = best;
-    return best.move;
+    return best.move();
 }
 
 /// Sorts the list as if it had been selected move by move. It is the faster way when most of the

@@ -13,7 +13,7 @@ bool isLegalIn(const Board_0x88& board, Move move) {
     MoveList list;
     generateLegalMoves(board, list);
     return std::any_of(list.begin(), list.end(),
-                       [move](const ScoredMove& entry) { return entry.move == move; });
+                       [move](const ScoredMove& entry) { return entry.move() == move; });
 }
 
 /// The protocol's claim of the result.

@@ -20,12 +20,6 @@ struct EvalMemory {
     Counter& pawnHashHits;    // counted here
     MaterialTable materials = {};
     LeadCache leads = {};
-
-    /// Fetches what the evaluation of the position will read.
-    void prefetch(const PlyRecord& position) const {
-        pawnHash.prefetch(position.pawnKey);
-        leads.prefetch(position.key);
-    }
 };
 
 /// The score for the side to move. Any thread, each with its own board and memory. A score that is

@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <optional>
 
-#include "base/prefetch.h"
 #include "board/types.h"
 
 namespace vatro {
@@ -17,7 +16,6 @@ namespace vatro {
 /// is cut off of the key is, but for two bits, the entry's place.
 class LeadCache {
   public:
-    void prefetch(Key key) const { vatro::prefetch(&entries[placeOf(key)]); }
     std::optional<int> find(Key key) const {
         const std::uint64_t entry = entries[placeOf(key)];
         if ((entry ^ key) >> LeadBits) return std::nullopt;

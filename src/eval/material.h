@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstring>
 
 #include "board/board.h"
 #include "board/types.h"
@@ -76,30 +75,25 @@ class MaterialTable {
   public:
     /// What computeMaterial says of the board; valid until the next call.
     const MaterialInfo& find(const Board_0x88& board) {
-        const Counts counts = {countsOf(board, White), countsOf(board, Black)};
+        const std::uint64_t white = board.pieceLists[White].countWord();
+        const std::uint64_t black = board.pieceLists[Black].countWord();
         // Factors without a pattern spread the few bits that differ over the high ones.
-        const std::uint64_t mixed =
-            counts[White] * 0x9E3779B97F4A7C15ULL + counts[Black] * 0xD6E8FEB86659FD93ULL;
+        const std::uint64_t mixed = white * 0x9E3779B97F4A7C15ULL + black * 0xD6E8FEB86659FD93ULL;
         Entry& entry = entries[mixed >> (64 - IndexBits)];
-        if (entry.counts != counts) entry = {counts, computeMaterial(board)};
+        if (entry.white != white || entry.black != black) {
+            entry = {white, black, computeMaterial(board)};
+        }
         return entry.info;
     }
 
   private:
     static constexpr int IndexBits = 9;
-    using Counts = std::array<std::uint64_t, ColourCount>;
     /// Zeroed, it is correct: its counts are those of an empty board.
     struct Entry {
-        Counts counts{};
+        std::uint64_t white = 0;  // counts
+        std::uint64_t black = 0;
         MaterialInfo info;
     };
-
-    static std::uint64_t countsOf(const Board_0x88& board, Colour colour) {
-        std::uint64_t word;
-        static_assert(sizeof word == sizeof board.pieceLists[colour].counts);
-        std::memcpy(&word, board.pieceLists[colour].counts, sizeof word);
-        return word;
-    }
 
     std::array<Entry, 1U << IndexBits> entries{};
 };

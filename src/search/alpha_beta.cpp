@@ -116,6 +116,9 @@ int Searcher::alphaBeta(const NodeWindow& window, PrincipalVariation& line) {
         }
     }
 
+    // The table's move will probably be searched soon.
+    if (node.depth > 1 && node.tableMove) prefetchAfter(node.tableMove);
+
     // 7. Null move: if passing is good enough, moving is. With nothing but pawns that may be wrong.
     if (node.depth >= NullMoveDepth && node.isNull() && eval >= node.beta &&
         !passedTwice(board, node.height) && board.totalCount(Us) - board.count(Us, Pawn) > 1) {
@@ -155,11 +158,17 @@ template <Colour Us>
 int Searcher::searchEvasions(SquareMask checkers,
                              const NodeWindow& window,
                              PrincipalVariation& line) {
+    MovePicker picker(board, computePins<Us>(board, checkers));
+    // Beyond the horizon no move loop has announced the position to the table.
+    const bool isAnnounced = window.depth > 1;
+    if (!isAnnounced) {
+        context.transpositionTable.prefetch(board.record().key);
+        picker.generateAll<Us>();
+    }
+
     Node node;
     if (const std::optional<int> score = openNode<Us>(window, line, node)) return *score;
     if (isLineFull(board)) return evaluateHere(node);
-
-    MovePicker picker(board, computePins<Us>(board, checkers));
     picker.prefer(line.first(), node.tableMove, &context.reporter);
     node.inCheck = true;
     return searchMoves<Us>(picker, node, line, [](int) {});

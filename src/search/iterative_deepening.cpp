@@ -122,8 +122,8 @@ void Searcher::reportResolved(RootScan& root) const {
     sortAsSelected(root.moves);
     for (unsigned i = 1; i < std::min(context.limits.lines, root.moves.count); ++i) {
         PrincipalVariation line;
-        line.setTo(root.moves.moves[i].move);
-        context.player.printThinking({0, root.moves.moves[i].score, Bound::Exact, i + 1, line});
+        line.setTo(root.moves.moves[i].move());
+        context.player.printThinking({0, root.moves.moves[i].score(), Bound::Exact, i + 1, line});
     }
 }
 

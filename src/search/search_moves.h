@@ -54,7 +54,6 @@ inline int Searcher::scoreAfter(Move move, Search search) {
     UndoRecord undo;
     board.record().movePlayed = move;
     makeMove<Us>(board, move, undo);
-    evalMemory.prefetch(board.record());
     const int score = search();
     unmakeMove<Us>(board, move, undo);
     return score;

@@ -60,11 +60,11 @@ Searcher::RootScan Searcher::scanRoot() {
     MoveList list;
     generateLegalMoves<Us>(board, computePins<Us>(board, findCheckers<Us>(board)), list);
     for (const ScoredMove& entry : list) {
-        if (isAllowedAtRoot(entry.move)) scan.moves.add(entry.move);
+        if (isAllowedAtRoot(entry.move())) scan.moves.add(entry.move());
     }
     for (unsigned i = 0; i < scan.moves.count; ++i) {
         ScoredMove& entry = scan.moves.moves[i];
-        const int score = scoreAfter<Us>(entry.move, [&] {
+        const int score = scoreAfter<Us>(entry.move(), [&] {
             if (board.totalCount() <= MaxTablebasePieces) {
                 if (const std::optional<int> theirs = probeTablebases<Them>(true)) {
                     ++scan.resolved;
@@ -73,10 +73,10 @@ Searcher::RootScan Searcher::scanRoot() {
             }
             return -evaluateHere({-MateScore, MateScore, 1, 0});
         });
-        entry.score = static_cast<std::int16_t>(score);
+        entry = {entry.move(), score};
         if (score > scan.score) {
             scan.score = score;
-            scan.best.setTo(entry.move);
+            scan.best.setTo(entry.move());
         }
         if (stopped()) break;  // reading tables can take long; one move is enough to play
     }

@@ -22,7 +22,7 @@ std::optional<TTData> TranspositionTable::probe(Key key) const {
     return std::nullopt;
 }
 
-void TranspositionTable::store(Key key, const TTData& data) {
+void TranspositionTable::store(Key key, TTData data) {
     TTEntry* slot = nullptr;
     TTEntry* empty = nullptr;
     TTEntry* leastValuable = nullptr;

@@ -52,7 +52,7 @@ class TranspositionTable {
     std::optional<TTData> probe(Key key) const;
     /// Stores what is known now in place of what was known before, or of the bucket's least
     /// valuable entry.
-    void store(Key key, const TTData& data);
+    void store(Key key, TTData data);
     /// Fetches the bucket of a position that will be probed soon.
     void prefetch(Key key) const { buckets.prefetch(key); }
 

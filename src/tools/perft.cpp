@@ -35,9 +35,9 @@ std::uint64_t countLeaves(Board_0x88& board,
     std::uint64_t leaves = 0;
     for (const ScoredMove& entry : list) {
         UndoRecord undo;
-        makeMovePerft<Us>(board, entry.move, undo);
+        makeMovePerft<Us>(board, entry.move(), undo);
         leaves += countLeaves<Them>(board, depth - 1, table, nodes, stop);
-        unmakeMovePerft<Us>(board, entry.move, undo);
+        unmakeMovePerft<Us>(board, entry.move(), undo);
     }
     if (depth >= MinStopDepth && stop.hasStopped()) return leaves;  // perhaps not all
     table.store(key, leaves, depth);
@@ -74,12 +74,12 @@ std::uint64_t divideRoot(Board_0x88& board,
     std::uint64_t total = 0;
     for (const ScoredMove& entry : list) {
         UndoRecord undo;
-        makeMovePerft(board, entry.move, undo);
+        makeMovePerft(board, entry.move(), undo);
         const std::uint64_t leaves =
             depth == 1 ? 1 : perftCount(board, depth - 1, table, nodes, stop);
-        unmakeMovePerft(board, entry.move, undo);
+        unmakeMovePerft(board, entry.move(), undo);
         if (stop.hasStopped()) break;
-        write(moveToText(entry.move) + ' ' + std::to_string(leaves) + '\n');
+        write(moveToText(entry.move()) + ' ' + std::to_string(leaves) + '\n');
         total += leaves;
     }
     say("");

@@ -63,7 +63,7 @@ TEST(Legality, AcceptsExactlyTheGeneratedMovesOfAllWords) {
         generateLegalMoves(board, list);
         std::set<Move> generated;
         for (const ScoredMove& entry : list) {
-            generated.insert(entry.move);
+            generated.insert(entry.move());
         }
         ASSERT_EQ(generated.size(), list.count) << "a move twice: " << board.toFEN();
         const PinInfo info = computePins(board);

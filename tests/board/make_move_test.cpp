@@ -16,22 +16,22 @@ void checkAllMoves(Board_0x88& board, int depth) {
     MoveList list;
     generateLegalMoves(board, list);
     for (const ScoredMove& entry : list) {
-        SCOPED_TRACE(board.toFEN() + ' ' + moveToText(entry.move));
+        SCOPED_TRACE(board.toFEN() + ' ' + moveToText(entry.move()));
         UndoRecord undo;
-        makeMove(board, entry.move, undo);
+        makeMove(board, entry.move(), undo);
         ASSERT_TRUE(isConsistent(board));
         ASSERT_EQ(board.record().repetitions, 0);
         if (depth > 1) checkAllMoves(board, depth - 1);
         const Key key = board.record().key;
-        unmakeMove(board, entry.move, undo);
+        unmakeMove(board, entry.move(), undo);
         board.perftKeys[board.perftPly] = board.record().key;  // the deeper check has set its own
         ASSERT_TRUE(positionBytes(board) == before);
 
         // The counting pair leads to the same position, but for the clock and the sums.
-        makeMovePerft(board, entry.move, undo);
+        makeMovePerft(board, entry.move(), undo);
         ASSERT_EQ(board.perftKeys[board.perftPly], key);
         ASSERT_EQ(board.fullKey(), key);
-        unmakeMovePerft(board, entry.move, undo);
+        unmakeMovePerft(board, entry.move(), undo);
         ASSERT_TRUE(positionBytes(board) == before);
         if (testing::Test::HasFatalFailure()) return;
     }
@@ -59,7 +59,7 @@ TEST(MakeMove, KeysSumsAndListsHoldOverWholeGames) {
             MoveList list;
             generateLegalMoves(*board, list);
             if (list.count == 0) break;
-            line.push_back({list.moves[random.below(list.count)].move, {}});
+            line.push_back({list.moves[random.below(list.count)].move(), {}});
             makeMove(*board, line.back().first, line.back().second);
             ASSERT_TRUE(isConsistent(*board)) << board->toFEN();
         }

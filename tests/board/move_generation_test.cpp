@@ -107,11 +107,11 @@ TEST(MoveGeneration, CountAndCapturesAgreeWithTheList) {
             << board.toFEN();
         Texts expected;
         for (const ScoredMove& entry : all) {
-            const bool captures =
-                typeOf(entry.move) == EnPassant || board.pieceOn[toSquare(entry.move)] != NoPiece;
-            const bool promotes = isPromotion(entry.move);
-            if (promotes ? promotionPiece(entry.move) == Queen : captures) {
-                expected.push_back(moveToText(entry.move));
+            const bool captures = typeOf(entry.move()) == EnPassant ||
+                                  board.pieceOn[toSquare(entry.move())] != NoPiece;
+            const bool promotes = isPromotion(entry.move());
+            if (promotes ? promotionPiece(entry.move()) == Queen : captures) {
+                expected.push_back(moveToText(entry.move()));
             }
         }
         MoveList captures;
@@ -120,7 +120,7 @@ TEST(MoveGeneration, CountAndCapturesAgreeWithTheList) {
                                   : generateCaptures<Black>(board, pins, everywhere, captures);
         Texts found;
         for (const ScoredMove& entry : captures) {
-            found.push_back(moveToText(entry.move));
+            found.push_back(moveToText(entry.move()));
         }
         ASSERT_EQ(found, expected) << board.toFEN();
     };

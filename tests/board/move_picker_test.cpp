@@ -19,9 +19,10 @@ std::vector<Move> selectionOrder(MoveList list) {
     std::vector<Move> order;
     for (unsigned i = 0; i < list.count; ++i) {
         for (unsigned j = i + 1; j < list.count; ++j) {
-            if (list.moves[j].score > list.moves[i].score) std::swap(list.moves[i], list.moves[j]);
+            if (list.moves[j].score() > list.moves[i].score())
+                std::swap(list.moves[i], list.moves[j]);
         }
-        order.push_back(list.moves[i].move);
+        order.push_back(list.moves[i].move());
     }
     return order;
 }
@@ -104,19 +105,19 @@ TEST(MoveScores, AreAsDefinedAndStandInGenerationOrder) {
         *copy = board;
         for (const unsigned ply : {board.ply, board.ply + 2}) {
             for (Move& killer : copy->plyRecords[ply].killers) {
-                killer = plain.count ? plain.moves[random.below(plain.count)].move : NoMove;
+                killer = plain.count ? plain.moves[random.below(plain.count)].move() : NoMove;
             }
         }
         const MoveList scored = scoredMoves(*copy);
         ASSERT_EQ(scored.count, plain.count) << board.toFEN();
         for (unsigned i = 0; i < plain.count; ++i) {
-            const Move move = plain.moves[i].move;
-            ASSERT_EQ(scored.moves[i].move, move) << board.toFEN();
-            ASSERT_EQ(scored.moves[i].score, definedScore(*copy, move))
+            const Move move = plain.moves[i].move();
+            ASSERT_EQ(scored.moves[i].move(), move) << board.toFEN();
+            ASSERT_EQ(scored.moves[i].score(), definedScore(*copy, move))
                 << board.toFEN() << ' ' << moveToText(move);
         }
         for (const ScoredMove& entry : scoredCaptures(board)) {
-            ASSERT_EQ(entry.score, definedCaptureScore(board, entry.move)) << board.toFEN();
+            ASSERT_EQ(entry.score(), definedCaptureScore(board, entry.move())) << board.toFEN();
         }
     };
     for (const char* fen : richPositions) {
@@ -168,7 +169,7 @@ TEST(MovePicker, SortedListsStandAsSelectionHandsThemOut) {
         sortAsSelected(list);
         std::vector<Move> sorted;
         for (const ScoredMove& entry : list)
-            sorted.push_back(entry.move);
+            sorted.push_back(entry.move());
         ASSERT_EQ(sorted, expected) << size << ' ' << scores;
     }
 }
@@ -316,10 +317,10 @@ TEST(MoveScores, FollowTheirFormulas) {
         const auto board = boardOf(c.fen);
         const MoveList list = scoredMoves(*board);
         const auto* found = std::find_if(list.begin(), list.end(), [&](const ScoredMove& entry) {
-            return moveToText(entry.move) == c.move;
+            return moveToText(entry.move()) == c.move;
         });
         ASSERT_NE(found, list.end()) << c.fen;
-        EXPECT_EQ(found->score, c.score) << c.fen;
+        EXPECT_EQ(found->score(), c.score) << c.fen;
     }
 }
 
@@ -330,7 +331,7 @@ TEST(MoveScores, KillersOfThisPlyAndTheOneAfterNextComeBeforeQuietMoves) {
     board->plyRecords[1].killers[0] = findMove(*board, "a2a3");  // the other side's
     std::map<std::string, int> scores;
     for (const ScoredMove& entry : scoredMoves(*board)) {
-        scores[moveToText(entry.move)] = entry.score;
+        scores[moveToText(entry.move())] = entry.score();
     }
     EXPECT_EQ(scores["h2h3"], 150 - 1);
     EXPECT_EQ(scores["b1a3"], 150 - 2);
@@ -338,7 +339,7 @@ TEST(MoveScores, KillersOfThisPlyAndTheOneAfterNextComeBeforeQuietMoves) {
     board->ply = PlyRecordCount - 1;  // no record two plies on
     board->record() = {};
     for (const ScoredMove& entry : scoredMoves(*board)) {
-        EXPECT_LT(entry.score, 140);
+        EXPECT_LT(entry.score(), 140);
     }
 }
 

@@ -14,9 +14,9 @@ std::uint64_t countLeaves(Board_0x88& board, unsigned depth) {
     std::uint64_t leaves = 0;
     for (const ScoredMove& entry : list) {
         UndoRecord undo;
-        makeMovePerft(board, entry.move, undo);
+        makeMovePerft(board, entry.move(), undo);
         leaves += countLeaves(board, depth - 1);
-        unmakeMovePerft(board, entry.move, undo);
+        unmakeMovePerft(board, entry.move(), undo);
     }
     return leaves;
 }

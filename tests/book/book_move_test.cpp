@@ -17,7 +17,7 @@ std::set<Move> legalMoveWords(const Board_0x88& board) {
     generateLegalMoves(board, list);
     std::set<Move> moves;
     for (const ScoredMove& entry : list)
-        moves.insert(entry.move);
+        moves.insert(entry.move());
     return moves;
 }
 

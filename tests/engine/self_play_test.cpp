@@ -89,7 +89,7 @@ Move Referee::findMove(const std::string& text) {
     MoveList list;
     generateLegalMoves(game->board, list);
     for (const ScoredMove& entry : list) {
-        if (moveToText(entry.move) == text) return entry.move;
+        if (moveToText(entry.move()) == text) return entry.move();
     }
     return NoMove;
 }
@@ -100,7 +100,7 @@ void Referee::openGame() {
     for (int i = 0; i < 4; ++i) {
         MoveList list;
         generateLegalMoves(game->board, list);
-        const Move move = list.moves[random() % list.count].move;
+        const Move move = list.moves[random() % list.count].move();
         moves += "\nusermove " + moveToText(move);
         game->play(move);
     }

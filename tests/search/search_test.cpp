@@ -231,8 +231,8 @@ TEST_F(SearchTest, StaysWithinTheRecords) {
         MoveList list;
         generateLegalMoves(game->board, list);
         for (const ScoredMove& entry : list) {
-            if (moveToText(entry.move) != shuffle[i % 4]) continue;
-            game->play(entry.move);
+            if (moveToText(entry.move()) != shuffle[i % 4]) continue;
+            game->play(entry.move());
             break;
         }
     }
@@ -248,9 +248,9 @@ TEST_F(SearchTest, ForeignTableMovesAreNeverPlayed) {
     generateLegalMoves(game->board, list);
     for (const ScoredMove& entry : list) {
         UndoRecord undo;
-        makeMove(game->board, entry.move, undo);
+        makeMove(game->board, entry.move(), undo);
         search.table.store(game->board.record().key, {foreign, -20, Bound::Exact, 1, 0});
-        unmakeMove(game->board, entry.move, undo);
+        unmakeMove(game->board, entry.move(), undo);
     }
     const SearchResult result = search.run(game->board, 5);
     EXPECT_TRUE(isValidMove(game->board, result.best));

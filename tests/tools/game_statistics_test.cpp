@@ -85,7 +85,7 @@ TEST_F(CountedGames, StaysAddUpToAWalkOverEveryPosition) {
             MoveList list;
             generateLegalMoves(board, list);
             if (list.count == 0) break;
-            play(list.moves[random.below(list.count)].move);
+            play(list.moves[random.below(list.count)].move());
             for (const Square64 square64 : allSquares) {
                 const Square square = as88(square64);
                 if (board.pieceOn[square] == NoPiece) continue;

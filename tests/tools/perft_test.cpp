@@ -64,9 +64,9 @@ class PlainPerft {
         std::uint64_t leaves = 0;
         for (const ScoredMove& entry : list) {
             UndoRecord undo;
-            makeMovePerft(board, entry.move, undo);
+            makeMovePerft(board, entry.move(), undo);
             leaves += count(board, depth - 1);
-            unmakeMovePerft(board, entry.move, undo);
+            unmakeMovePerft(board, entry.move(), undo);
         }
         *chooseSlot(bucket, keyBits) = {keyBits, leaves, depth};
         return leaves;
