@@ -125,11 +125,9 @@ template <Track T>
     const PieceType before = board.pieceAt(square);
     PieceList& list = board.pieceLists[colour];
     board.pieceOn[square] = after;
-    --list.counts[before];
-    ++list.counts[after];
-    const int surplus = after == Pawn ? -1 : 1;
-    list.counts[PieceList::Surplus] =
-        static_cast<std::uint8_t>(list.counts[PieceList::Surplus] + surplus);
+    const int slot = board.slotOn[square];
+    list.countOut(before, slot);
+    list.countIn(after, slot);
     board.pieceMask[colour][before] ^= maskOf(sq64);
     board.pieceMask[colour][after] ^= maskOf(sq64);
     if (keys) {

@@ -299,31 +299,6 @@ TEST(MovePicker, TellsOfTheSecondPreferredMoveThatDoesNotFit) {
     }
 }
 
-TEST(MoveScores, FollowTheirFormulas) {
-    struct Case {
-        const char* fen;
-        const char* move;
-        int score;
-    };
-    const Case cases[] = {
-        {"4k3/8/8/3p4/4P3/8/8/4K3 w - - 0 1", "e4d5", 8 * 8 - 1 + 1000},  // pawn takes pawn
-        {"4k3/8/8/3pP3/8/8/8/4K3 w - d6 0 1", "e5d6", 64 - 1 + 1000},     // en passant
-        {"8/4P3/8/8/8/8/k7/4K3 w - - 0 1", "e7e8q", 4 * 8 - 1 + 1000},    // promotion
-        {"3r4/4P3/8/8/8/8/k7/4K3 w - - 0 1", "e7d8n", (2 + 24) * 8 - 1 + 1000},
-        {"4k3/8/4p3/3p4/8/8/3Q4/4K3 w - - 0 1", "d2d5", 8 * 8 - 4 - 50},  // a defended pawn
-        {"4k3/8/8/3p4/8/8/3Q4/4K3 w - - 0 1", "d2d5", 8 * 8 - 4 + 1000},
-    };
-    for (const Case& c : cases) {
-        const auto board = boardOf(c.fen);
-        const MoveList list = scoredMoves(*board);
-        const auto* found = std::find_if(list.begin(), list.end(), [&](const ScoredMove& entry) {
-            return moveToText(entry.move()) == c.move;
-        });
-        ASSERT_NE(found, list.end()) << c.fen;
-        EXPECT_EQ(found->score(), c.score) << c.fen;
-    }
-}
-
 TEST(MoveScores, KillersOfThisPlyAndTheOneAfterNextComeBeforeQuietMoves) {
     const auto board = boardOf(startPositionFEN);
     board->record().killers[1] = findMove(*board, "h2h3");
